@@ -1,0 +1,12 @@
+/// \file Export.h
+/// The export macros of libVrUInfo.so.
+#pragma once
+
+#if defined(VRUINFO_STATIC)
+#define VRUINFO_API
+#else
+#define VRUINFO_API __attribute__((visibility("default")))
+#endif
+
+/// A member of an exported class that is the library's own business.
+#define VRUINFO_LOCAL __attribute__((visibility("hidden")))

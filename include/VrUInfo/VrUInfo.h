@@ -1,0 +1,16 @@
+/// \file VrUInfo.h
+/// Everything that libVrUInfo.so offers.
+#pragma once
+
+#include "VrUInfo/Diagnostics.h"
+#include "VrUInfo/ErrorStatus.h"
+#include "VrUInfo/Export.h"
+#include "VrUInfo/Naming.h"
+#include "VrUInfo/Oem.h"
+#include "VrUInfo/Paths.h"
+#include "VrUInfo/Resources.h"
+#include "VrUInfo/RootKeys.h"
+#include "VrUInfo/VornVariant.h"
+#include "VrUInfo/VornaConfig.h"
+#include "VrUInfo/VornaLanguage.h"
+#include "VrUInfo/VornaProduct.h"

@@ -1,0 +1,31 @@
+// The values of the settings tree that remember the identity: "CurProduct", "CurVer", "Profiles".
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "store/tagged_text.h"
+
+namespace vruinfo::internal
+{
+
+/// One of them, in its group. Reading and writing take the store lock; the settings object must be there.
+class IdentityValue final
+{
+public:
+    IdentityValue(const wchar_t* group, const wchar_t* name) : m_group(group), m_name(name) {}
+
+    /// Its text; when there is none to take, the start record is told why.
+    [[nodiscard]] std::optional<std::wstring> read(Marks marks) const;
+    /// Writes mark 5 and the text.
+    void write(const wchar_t* text) const;
+    /// How the start record names it: "<group>/<name>".
+    [[nodiscard]] std::wstring place() const;
+
+private:
+    const wchar_t* m_group;
+    const wchar_t* m_name;
+};
+
+} // namespace vruinfo::internal

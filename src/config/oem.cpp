@@ -1,0 +1,149 @@
+// Branding from the partner's resource library, or from the language's.
+#include <array>
+#include <memory>
+
+#include <QtCore/QFile>
+#include <QtGui/QIcon>
+
+#include "VrOsBase/VrOsBase.h"
+#include "VrUInfo/Oem.h"
+#include "VrUInfo/Resources.h"
+#include "VrUInfo/VornaConfig.h"
+#include "config/identity_names.h"
+#include "config/resource_icon.h"
+#include "config/start_record.h"
+#include "product/language_library.h"
+#include "text/owned_text.h"
+#include "text/wide_buffer.h"
+#include "text/wide_text.h"
+
+using namespace vruinfo::internal;
+
+namespace
+{
+
+constexpr unsigned int kOemCompanyText = 4091;
+constexpr unsigned int kOemProductText = 4092;
+constexpr unsigned int kOemCompanyLtdText = 4095;
+constexpr int kTextLimit = 1023;
+constexpr int kSmallIcon = 16;
+constexpr int kLargeIcon = 32;
+
+QString partnerPrefix()
+{
+    return QStringLiteral(":/VrCustomRes/VrCustomRes");
+}
+
+QString languagePrefix()
+{
+    return QStringLiteral(":/VrUInfoRes/VrUInfoRes");
+}
+
+HMODULE loadPartnerLibrary()
+{
+    std::array<wchar_t, kPathCapacity> name{};
+    if (GetCustomResFileName(name.data()) == 0)
+        return nullptr;
+    const HMODULE loaded = GetModuleHandleW(name.data());
+    const HMODULE partner = loaded ? loaded : LoadLibraryExW(name.data(), nullptr, 0);
+    if (!partner)
+        StartRecord::instance().passOver(name.data(),
+                                         L"the partner library is recorded but cannot be loaded");
+    return partner;
+}
+
+/// How the start record names a text of a library.
+std::wstring textPlace(HMODULE library, unsigned int id)
+{
+    std::array<wchar_t, kPathCapacity> path{};
+    GetModuleFileNameW(library, path.data(), kPathCapacity);
+    return std::wstring(path.data()) + L" string " + std::to_wstring(id);
+}
+
+/// Puts a text of the library in the place; a text that is not there leaves it as it is.
+void takeText(HMODULE library, unsigned int id, wchar_t*& place, const wchar_t* piece)
+{
+    std::array<wchar_t, kPathCapacity> text{};
+    const int length = LoadStringW(library, id, text.data(), kTextLimit);
+    if (length <= 0) {
+        StartRecord::instance().passOver(textPlace(library, id), L"not there");
+        return;
+    }
+    replaceText(place, makeText(text.data(), static_cast<std::size_t>(length)));
+    StartRecord::instance().take(piece, place, VornOrigin::ResourceLibrary, textPlace(library, id));
+}
+
+void replaceIcon(QIcon*& place, QIcon* icon)
+{
+    delete place;
+    place = icon;
+}
+
+} // namespace
+
+HMODULE VornaConfig::oemResourceDllHandle()
+{
+    g_strPrefix = partnerPrefix();
+    if (const HMODULE partner = loadPartnerLibrary())
+        return partner;
+    const HMODULE language = languageLibrary(kLanguageLibrary);
+    g_strPrefix = languagePrefix();
+    return language;
+}
+
+unsigned int VornaConfig::initOemResource()
+{
+    if (m_oemResourceDll)
+        return 1;
+    m_oemResourceDll = oemResourceDllHandle();
+    if (!m_oemResourceDll)
+        return 1;
+    loadOemTexts();
+    loadOemIcons();
+    return 1;
+}
+
+void VornaConfig::loadOemTexts()
+{
+    takeText(m_oemResourceDll, kOemProductText, m_oemProductName, L"oem product");
+    takeText(m_oemResourceDll, kOemCompanyText, m_oemCompanyName, L"oem company");
+    takeText(m_oemResourceDll, kOemCompanyLtdText, m_oemCompanyLtdName, L"oem legal name");
+}
+
+void VornaConfig::loadOemIcons()
+{
+    const QString path = g_strPrefix + QStringLiteral("/IDI_VORNA_OEM_APPLICATION_EXE");
+    const std::wstring wide = toWide(path);
+    if (m_oemAppIconPath && std::wcslen(m_oemAppIconPath) >= wide.size())
+        copyBounded(m_oemAppIconPath, wide.size() + 1, wide.c_str());
+    else
+        replaceText(m_oemAppIconPath, makeText(wide.c_str()));
+    replaceIcon(m_smallIcon, loadIcon(path, kSmallIcon, kSmallIcon));
+    replaceIcon(m_largeIcon, loadIcon(path, kLargeIcon, kLargeIcon));
+}
+
+bool VornaConfig::isNeedCheckOemPath()
+{
+    return g_strPrefix.contains(QLatin1String("VrCustomRes"));
+}
+
+bool VornaConfig::getOemResourceString(unsigned int id, std::wstring& text)
+{
+    constexpr std::size_t kLeast = 1024;
+    if (!m_oemResourceDll)
+        m_oemResourceDll = oemResourceDllHandle();
+    if (!m_oemResourceDll || !isNeedCheckOemPath())
+        return false;
+    if (text.size() < kLeast)
+        text.resize(kLeast);
+    const int length = LoadStringW(m_oemResourceDll, id, text.data(), static_cast<int>(kLeast));
+    text.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    return length > 0;
+}
+
+QIcon* loadIcon(const QString& path, int, int)
+{
+    if (!QFile::exists(path))
+        return nullptr;
+    return std::make_unique<QIcon>(std::make_unique<ResourceIconEngine>(path).release()).release();
+}

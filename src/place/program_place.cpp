@@ -1,0 +1,68 @@
+#include "place/program_place.h"
+
+#include <cwchar>
+
+#include "VrOsBase/VrOsBase.h"
+#include "text/wide_buffer.h"
+
+namespace vruinfo::internal
+{
+namespace
+{
+
+constexpr DWORD kExecutableLimit = 1023;
+constexpr std::size_t kNameCapacity = 256;
+constexpr int kExistence = 0;
+constexpr int kReadPermission = 4;
+
+/// The executable's path in a buffer; false when it is not known or was cut.
+bool writeExecutable(wchar_t* buffer, DWORD size)
+{
+    SetLastError(ERROR_SUCCESS);
+    return GetModuleFileNameW(GetModuleHandleW(nullptr), buffer, size) != 0 &&
+           GetLastError() != ERROR_INSUFFICIENT_BUFFER;
+}
+
+} // namespace
+
+std::optional<ProgramPlace> ProgramPlace::find()
+{
+    wchar_t executable[kPathCapacity];
+    if (!writeExecutable(executable, kExecutableLimit))
+        return std::nullopt;
+    wchar_t directory[kPathCapacity];
+    wchar_t name[kNameCapacity];
+    wchar_t extension[kNameCapacity];
+    _wsplitpath(executable, nullptr, directory, name, extension);
+    return ProgramPlace{directory, name, extension};
+}
+
+const wchar_t* programDirectory()
+{
+    static const std::optional<ProgramPlace> kPlace = ProgramPlace::find();
+    return kPlace ? kPlace->directory.c_str() : L"";
+}
+
+unsigned int writeProgramComponent(wchar_t* buffer, unsigned int size, const wchar_t* component)
+{
+    if (!writeExecutable(buffer, size))
+        return 0;
+    PathRemoveFileSpecW(buffer);
+    if (std::wcslen(buffer) + std::wcslen(component) + 2 >= size - 1)
+        return 0;
+    if (!PathAppendW(buffer, component))
+        return 0;
+    return static_cast<unsigned int>(std::wcslen(buffer));
+}
+
+bool isReadable(const wchar_t* path)
+{
+    return _waccess(path, kReadPermission) == 0;
+}
+
+bool isThere(const wchar_t* path)
+{
+    return _waccess(path, kExistence) == 0;
+}
+
+} // namespace vruinfo::internal

@@ -1,0 +1,34 @@
+// The executable's place on disk, which is the installation: asked for in this one place.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace vruinfo::internal
+{
+
+/// The running executable's path taken apart.
+struct ProgramPlace {
+    std::wstring directory; ///< With its trailing "/".
+    std::wstring baseName;  ///< Without extension.
+    std::wstring extension; ///< With its dot; empty when there is none.
+
+    /// Nothing when the path is not known or has more than 1022 characters.
+    [[nodiscard]] static std::optional<ProgramPlace> find();
+};
+
+/// The program directory with its trailing "/", kept from the first call on; empty when it is not known.
+[[nodiscard]] const wchar_t* programDirectory();
+
+/// Program directory and a component with one "/" between, written into a caller's buffer; no separator at
+/// its end. The directory's length (without separator), the component's and 2 must be less than size - 1.
+/// \return its length, 0 on failure (the buffer may hold the executable's path or directory then)
+[[nodiscard]] unsigned int writeProgramComponent(wchar_t* buffer, unsigned int size,
+                                                 const wchar_t* component);
+
+/// Whether a path may be read.
+[[nodiscard]] bool isReadable(const wchar_t* path);
+[[nodiscard]] bool isThere(const wchar_t* path);
+
+} // namespace vruinfo::internal

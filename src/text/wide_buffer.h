@@ -1,0 +1,64 @@
+// Bounded wide text: the one place that knows what happens when a text is too long.
+#pragma once
+
+#include <cstddef>
+#include <cwchar>
+
+namespace vruinfo::internal
+{
+
+/// Characters, terminator included, of the interface's path and name buffers.
+constexpr std::size_t kPathCapacity = 1024;
+
+/// Says on standard error, in one line, that a text was too long for its buffer, and aborts.
+[[noreturn]] void endProcessTooLong(std::size_t capacity);
+
+/// Copies a text with its terminator. Ends the process when it does not fit.
+void copyBounded(wchar_t* target, std::size_t capacity, const wchar_t* source);
+
+/// Appends to a caller's buffer of known capacity; refuses what does not fit, and then leaves the text as it
+/// was.
+class WideWriter final
+{
+public:
+    /// Begins with an empty text in the buffer.
+    WideWriter(wchar_t* buffer, std::size_t capacity) : m_buffer(buffer), m_capacity(capacity)
+    {
+        m_buffer[0] = L'\0';
+    }
+
+    [[nodiscard]] bool append(const wchar_t* text) { return append(text, std::wcslen(text)); }
+    [[nodiscard]] bool append(const wchar_t* text, std::size_t length)
+    {
+        if (length >= m_capacity - m_length)
+            return false;
+        std::wmemcpy(m_buffer + m_length, text, length);
+        m_length += length;
+        m_buffer[m_length] = L'\0';
+        return true;
+    }
+    /// "/" and the text.
+    [[nodiscard]] bool appendComponent(const wchar_t* text)
+    {
+        const std::size_t length = std::wcslen(text);
+        if (length + 1 >= m_capacity - m_length)
+            return false;
+        m_buffer[m_length] = L'/';
+        ++m_length;
+        return append(text, length);
+    }
+    void clear()
+    {
+        m_length = 0;
+        m_buffer[0] = L'\0';
+    }
+    [[nodiscard]] std::size_t length() const { return m_length; }
+    [[nodiscard]] const wchar_t* text() const { return m_buffer; }
+
+private:
+    wchar_t* m_buffer;
+    std::size_t m_capacity;
+    std::size_t m_length = 0;
+};
+
+} // namespace vruinfo::internal
