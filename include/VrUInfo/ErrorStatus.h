@@ -14,10 +14,9 @@ enum ErrorStatus : unsigned int {
     eBadSize = 3,         ///< Thrown (VrErrorStatus) for an impossible size of a value; never returned.
     eBadPosition = 4,     ///< An iterator without a snapshot, or past its end.
     eMissing = 5,         ///< A required file or object is missing; a value writer got no name.
-    eBufferTooSmall =
-        6,       ///< The caller's buffer is too small, the size needed is written back; thrown: no memory.
-    eFailed = 7, ///< Could not be carried out: a name or path too long or empty, already set, no object.
-    eNotBareName = 8 ///< The profile argument is not a bare profile name.
+    eBufferTooSmall = 6,  ///< The caller's buffer is too small, the size needed is written back; thrown: no memory.
+    eFailed = 7,          ///< Could not be carried out: a name or path too long or empty, already set, no object.
+    eNotBareName = 8      ///< The profile argument is not a bare profile name.
 };
 
 } // namespace Vorn

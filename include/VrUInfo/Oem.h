@@ -13,12 +13,11 @@
 class QIcon;
 class QString;
 
-VRUINFO_API const wchar_t* GetOemProductName(); ///< "VORNA" unless branded. Never null.
-VRUINFO_API const wchar_t* GetOemCompanyName(); ///< "HALVIK" unless branded. Never null.
-VRUINFO_API const wchar_t*
-GetOemCompanyLtdName();                         ///< "HALVIK CO., LTD.(Eastport)" unless branded. Never null.
-VRUINFO_API QIcon* GetOemAppIcon(bool large);   ///< Null until loaded, or when there is none.
-VRUINFO_API const wchar_t* GetOemAppIconPath(); ///< Qt resource path of the icon; null until loaded.
+VRUINFO_API const wchar_t* GetOemProductName();    ///< "VORNA" unless branded. Never null.
+VRUINFO_API const wchar_t* GetOemCompanyName();    ///< "HALVIK" unless branded. Never null.
+VRUINFO_API const wchar_t* GetOemCompanyLtdName(); ///< "HALVIK CO., LTD.(Eastport)" unless branded. Never null.
+VRUINFO_API QIcon* GetOemAppIcon(bool large);      ///< Null until loaded, or when there is none.
+VRUINFO_API const wchar_t* GetOemAppIconPath();    ///< Qt resource path of the icon; null until loaded.
 /// The branding library; runs the selection again and sets the resource prefix by its outcome. Null when
 /// there is none.
 VRUINFO_API HMODULE GetOemResourceDllHandle();

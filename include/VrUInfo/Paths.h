@@ -54,9 +54,8 @@ VRUINFO_API unsigned int GetUserApplicationDataPrintstylePath(wchar_t* path);  /
 
 /// \name Local data: the user's data directory, company, product, version, language
 /// @{
-VRUINFO_API unsigned int GetUserLocalApplicationDataPath(wchar_t* path); ///< The data directory.
-VRUINFO_API unsigned int
-GetUserLocalApplicationDataComanyPath(wchar_t* path); ///< ... and the company's folder.
+VRUINFO_API unsigned int GetUserLocalApplicationDataPath(wchar_t* path);         ///< The data directory.
+VRUINFO_API unsigned int GetUserLocalApplicationDataComanyPath(wchar_t* path);   ///< ... and the company's folder.
 VRUINFO_API unsigned int GetUserLocalApplicationDataProductPath(wchar_t* path);  ///< ... and the product's.
 VRUINFO_API unsigned int GetUserLocalApplicationDataVersionPath(wchar_t* path);  ///< ... and the version's.
 VRUINFO_API unsigned int GetUserLocalApplicationDataLanguagePath(wchar_t* path); ///< ... and the language's.

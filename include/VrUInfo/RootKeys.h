@@ -9,12 +9,11 @@
 
 #include "VrUInfo/Export.h"
 
-VRUINFO_API unsigned int GetRegistryProductNameRootKey(wchar_t* key);  ///< VornaConfig::ProductNameRoot.
-VRUINFO_API unsigned int GetRegistryVersionRootKey(wchar_t* key);      ///< VornaConfig::VersionRoot.
-VRUINFO_API unsigned int GetVornRegistryLanguageRootKey(wchar_t* key); ///< VornaConfig::LanguageRoot.
-VRUINFO_API unsigned int GetRegistryProfilesRootKey(wchar_t* key);     ///< VornaConfig::ProfilesRoot.
-VRUINFO_API unsigned int
-GetVornRegistryCurrentProfileRootKey(wchar_t* key); ///< VornaConfig::CurrentProfileRoot.
+VRUINFO_API unsigned int GetRegistryProductNameRootKey(wchar_t* key);        ///< VornaConfig::ProductNameRoot.
+VRUINFO_API unsigned int GetRegistryVersionRootKey(wchar_t* key);            ///< VornaConfig::VersionRoot.
+VRUINFO_API unsigned int GetVornRegistryLanguageRootKey(wchar_t* key);       ///< VornaConfig::LanguageRoot.
+VRUINFO_API unsigned int GetRegistryProfilesRootKey(wchar_t* key);           ///< VornaConfig::ProfilesRoot.
+VRUINFO_API unsigned int GetVornRegistryCurrentProfileRootKey(wchar_t* key); ///< VornaConfig::CurrentProfileRoot.
 /// The current profile's root with "/Config" behind it. When that root is longer than 1014 characters: 0,
 /// with the root itself left in the buffer.
 VRUINFO_API unsigned int GetVornRegistryCurrentProfileConfigRootKey(wchar_t* key);

@@ -31,13 +31,11 @@ class VRUINFO_API VornVariant
 public:
     /// What a value holds. The numbers stand in settings files and never change.
     enum VarType : std::int32_t {
-        kVarNone = 0,  ///< Nothing; no block.
-        kVarInt32 = 1, ///< 32-bit signed integer; size word 8.
-        kVarInt64 = 2, ///< 64-bit signed integer; size word 12.
-        kVarDouble =
-            3, ///< IEEE 754 double; size word 12. Read back from a file it is a kVarBinary of its 8 bytes.
-        kVarBinary =
-            4, ///< n bytes; size word n + 4. Written and read back it is four bytes longer each time.
+        kVarNone = 0,   ///< Nothing; no block.
+        kVarInt32 = 1,  ///< 32-bit signed integer; size word 8.
+        kVarInt64 = 2,  ///< 64-bit signed integer; size word 12.
+        kVarDouble = 3, ///< IEEE 754 double; size word 12. Read back from a file it is a kVarBinary of its 8 bytes.
+        kVarBinary = 4, ///< n bytes; size word n + 4. Written and read back it is four bytes longer each time.
         kVarString = 5, ///< Wide text with its terminator; size word 4 x (length + 1) + 4.
         kVarText6 = 6,  ///< Wide text, double-terminated; the store neither writes nor reads it.
         kVarText7 = 7,  ///< Wide text; the store neither writes nor reads it.
@@ -155,8 +153,7 @@ private:
     static void* doubleTerminatedText(const wchar_t* text)
     {
         const std::size_t kept = text && text[0] ? wcsnlen(text + 1, kDoubleTerminatedMax) : 0;
-        char* const block =
-            static_cast<char*>(allocateBlock(static_cast<std::uint32_t>((kept + 3) * kCharacter)));
+        char* const block = static_cast<char*>(allocateBlock(static_cast<std::uint32_t>((kept + 3) * kCharacter)));
         std::memset(block + kSizeWord, 0, (kept + 2) * kCharacter);
         if (kept > 0)
             std::memcpy(block + kSizeWord, text, kept * kCharacter);

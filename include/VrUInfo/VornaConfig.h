@@ -43,7 +43,7 @@ class QSettings;
 
 namespace vruinfo::internal
 {
-class WideWriter;
+struct RootBuilder;
 }
 
 /// Characters, terminator included, of every path and name buffer whose capacity a signature does not carry.
@@ -119,24 +119,21 @@ public:
     /// Writes back and deletes the settings object and deletes both icons. For the end of the process.
     void uinitRegObject();
 
-    unsigned int
-    initCompanyName(const wchar_t* company); ///< 0; 7 when set already, over 254 characters, or too long.
-    unsigned int buildRootPathFromCompany(); ///< 0; 7 without a company name of 1 to 1014 characters.
-    unsigned int
-    initProductName(const wchar_t* product); ///< 0; 7 when set already, no company root, too long.
-    unsigned int refreshProductName();       ///< 1 when it recorded "CurProduct" in the tree, else 0.
-    unsigned int buildRootPathFromProduct(); ///< 0; 7 without names, or root longer than 1023 characters.
-    bool isInitVORNAProduct();               ///< Company HALVIK and product VORNA, in any case.
+    unsigned int initCompanyName(const wchar_t* company); ///< 0; 7 when set already, over 254 characters, or too long.
+    unsigned int buildRootPathFromCompany();              ///< 0; 7 without a company name of 1 to 1014 characters.
+    unsigned int initProductName(const wchar_t* product); ///< 0; 7 when set already, no company root, too long.
+    unsigned int refreshProductName();                    ///< 1 when it recorded "CurProduct" in the tree, else 0.
+    unsigned int buildRootPathFromProduct();              ///< 0; 7 without names, or root longer than 1023 characters.
+    bool isInitVORNAProduct();                            ///< Company HALVIK and product VORNA, in any case.
 
     unsigned int
-    initLanguageName(const wchar_t* language); ///< 0; 7 without a product root; or the INI reader's status.
-    unsigned int refreshLanguageName();        ///< 1 when it recorded "CurVer" in the tree, else 0.
-    bool isLanguageExist(const wchar_t* shortName); ///< Known to this product, and its folder counts.
-    bool
-    isLangFolderExist(const wchar_t* shortName);   ///< A readable folder beside the executable with a "*.so".
-    bool isLangVerExist(const wchar_t* shortName); ///< Always true.
-    bool isLangMatch(const wchar_t* shortName);    ///< Always true.
-    int queryAInstalledLangInOrder();              ///< English if installed, else the first by id; -1: none.
+    initLanguageName(const wchar_t* language);        ///< 0; 7 without a product root; or the INI reader's status.
+    unsigned int refreshLanguageName();               ///< 1 when it recorded "CurVer" in the tree, else 0.
+    bool isLanguageExist(const wchar_t* shortName);   ///< Known to this product, and its folder counts.
+    bool isLangFolderExist(const wchar_t* shortName); ///< A readable folder beside the executable with a "*.so".
+    bool isLangVerExist(const wchar_t* shortName);    ///< Always true.
+    bool isLangMatch(const wchar_t* shortName);       ///< Always true.
+    int queryAInstalledLangInOrder();                 ///< English if installed, else the first by id; -1: none.
     /// Whether an older release in the tree has an item of the current language (for migration).
     bool isSameLanVersionExist() const;
 
@@ -179,8 +176,8 @@ public:
     const wchar_t* oemProductName() const;    ///< "VORNA" unless branded. Never null.
     const wchar_t* oemCompanyName() const;    ///< "HALVIK" unless branded. Never null.
     const wchar_t* oemCompanyLtdName() const; ///< "HALVIK CO., LTD.(Eastport)" unless branded. Never null.
-    QIcon* oemAppIcon(bool large) const;   ///< The library's own; null until loaded, or when there is none.
-    const wchar_t* oemAppIconPath() const; ///< Qt resource path; null until loaded.
+    QIcon* oemAppIcon(bool large) const;      ///< The library's own; null until loaded, or when there is none.
+    const wchar_t* oemAppIconPath() const;    ///< Qt resource path; null until loaded.
     /// @}
 
     /// \name INI files of the installation
@@ -200,8 +197,8 @@ public:
     /// \return 0; 1 also for an absent or negative number; 7 for no path
     unsigned int readIniInt(const wchar_t* section, const wchar_t* key, int& value, const wchar_t* fileName);
     /// Reads a kVarString or a kVarInt32 into a variant. \return as the two readers; 2 for another type
-    unsigned int getIniValue(const wchar_t* section, const wchar_t* key, VornVariant& value,
-                             VornVariant::VarType type, const wchar_t* fileName);
+    unsigned int getIniValue(const wchar_t* section, const wchar_t* key, VornVariant& value, VornVariant::VarType type,
+                             const wchar_t* fileName);
     /// @}
 
     /// \name Settings tree
@@ -262,19 +259,17 @@ public:
 private:
     friend class VornaProduct;
     friend struct VornaLayout;
+    friend struct vruinfo::internal::RootBuilder;
     friend VRUINFO_API VornaConfig* vornConfig();
 
     VRUINFO_LOCAL VornaConfig();
     VRUINFO_LOCAL ~VornaConfig();
 
-    VRUINFO_LOCAL bool appendRoot(Path path, vruinfo::internal::WideWriter& out) const;
-    VRUINFO_LOCAL bool appendProfile(vruinfo::internal::WideWriter& out) const;
     VRUINFO_LOCAL void takeArgumentLanguage(const wchar_t* language);
     VRUINFO_LOCAL unsigned int takeRememberedLanguage();
     VRUINFO_LOCAL unsigned int takeIniLanguage();
     VRUINFO_LOCAL unsigned int readIniPiece(const wchar_t* section, const wchar_t* key, wchar_t* text);
-    VRUINFO_LOCAL void adoptIfInstalled(const wchar_t* shortName, VornOrigin origin,
-                                        const std::wstring& place);
+    VRUINFO_LOCAL void adoptIfInstalled(const wchar_t* shortName, VornOrigin origin, const std::wstring& place);
     VRUINFO_LOCAL void takeInstalledLanguage();
     VRUINFO_LOCAL bool hasCurrentLanguage(const wchar_t* release) const;
     VRUINFO_LOCAL unsigned int readIniText(const wchar_t* section, const wchar_t* key, VornVariant& value,
@@ -362,8 +357,8 @@ private:
 VRUINFO_API VornaConfig* vornConfig();
 
 /// `vornConfig()->initial(...)`; 7 if there were no object.
-VRUINFO_API unsigned int InitVornConfig(const wchar_t* company, const wchar_t* product,
-                                        const wchar_t* language, const wchar_t* profile);
+VRUINFO_API unsigned int InitVornConfig(const wchar_t* company, const wchar_t* product, const wchar_t* language,
+                                        const wchar_t* profile);
 
 /// Reads "VORNA.ini" as `VornaConfig::getIniValue` does. \return whether the status was 0
 VRUINFO_API bool GetVornIniConfigValue(const wchar_t* section, const wchar_t* key, VornVariant& value,

@@ -177,8 +177,7 @@ unsigned int GetVornUserDataCacheLanPath(wchar_t* path)
     WideWriter writer(path, kPathCapacity);
     const wchar_t* const cache = GetVornUserDataCachePath();
     const wchar_t* const language = GetCurrentLanguageShortName();
-    if (isEmpty(cache) || isEmpty(language) ||
-        std::wcslen(cache) + std::wcslen(language) >= kLongestCachePath)
+    if (isEmpty(cache) || isEmpty(language) || std::wcslen(cache) + std::wcslen(language) >= kLongestCachePath)
         return 0;
     if (!writer.append(cache) || !writer.appendComponent(language))
         return 0;

@@ -120,8 +120,8 @@ HMODULE LoadResourceDll(const wchar_t* fileName)
 
 HMODULE LoadResourceDllEx(const wchar_t* fileName, HANDLE file, DWORD flags)
 {
-    return loadFromLanguageDirectory(
-        fileName, [file, flags](const wchar_t* name) { return LoadLibraryExW(name, file, flags); });
+    return loadFromLanguageDirectory(fileName,
+                                     [file, flags](const wchar_t* name) { return LoadLibraryExW(name, file, flags); });
 }
 
 int GetHelpFilePath(wchar_t* path, int size)

@@ -40,8 +40,8 @@ unsigned int VornaConfig::getIniFilePath(wchar_t* path, const wchar_t* fileName)
     return Vorn::eOk;
 }
 
-unsigned int VornaConfig::readIniString(const wchar_t* section, const wchar_t* key, wchar_t* buffer,
-                                        unsigned int size, const wchar_t* fileName)
+unsigned int VornaConfig::readIniString(const wchar_t* section, const wchar_t* key, wchar_t* buffer, unsigned int size,
+                                        const wchar_t* fileName)
 {
     if (namesNothing(section, key) || !buffer || size <= 1)
         return Vorn::eNotFound;
@@ -56,8 +56,7 @@ unsigned int VornaConfig::readIniString(const wchar_t* section, const wchar_t* k
     return buffer[0] != L'\0' ? Vorn::eOk : Vorn::eNotFound;
 }
 
-unsigned int VornaConfig::readIniInt(const wchar_t* section, const wchar_t* key, int& value,
-                                     const wchar_t* fileName)
+unsigned int VornaConfig::readIniInt(const wchar_t* section, const wchar_t* key, int& value, const wchar_t* fileName)
 {
     if (namesNothing(section, key))
         return Vorn::eNotFound;
@@ -103,8 +102,7 @@ unsigned int VornaConfig::readIniNumber(const wchar_t* section, const wchar_t* k
     return status;
 }
 
-bool GetVornIniConfigValue(const wchar_t* section, const wchar_t* key, VornVariant& value,
-                           VornVariant::VarType type)
+bool GetVornIniConfigValue(const wchar_t* section, const wchar_t* key, VornVariant& value, VornVariant::VarType type)
 {
     return vornConfig()->getIniValue(section, key, value, type, kProductIni) == Vorn::eOk;
 }

@@ -45,8 +45,7 @@ bool userAccepts(const VornaLanguage& language, const wchar_t* caption)
 {
     std::array<wchar_t, kPathCapacity> question{};
     WideWriter writer(question.data(), question.size());
-    if (!writer.append(kQuestionBegin) || !writer.append(language.globalName()) ||
-        !writer.append(kQuestionEnd))
+    if (!writer.append(kQuestionBegin) || !writer.append(language.globalName()) || !writer.append(kQuestionEnd))
         return false;
     return MessageBoxW(nullptr, question.data(), caption, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
@@ -118,8 +117,7 @@ unsigned int VornaConfig::takeIniLanguage()
     ShortName name{};
     status = readIniPiece(kLocaleSection, number.data(), name.data());
     if (status == Vorn::eOk)
-        adoptIfInstalled(name.data(), VornOrigin::IniFile,
-                         iniPlace(kProductIni, kLocaleSection, number.data()));
+        adoptIfInstalled(name.data(), VornOrigin::IniFile, iniPlace(kProductIni, kLocaleSection, number.data()));
     return status;
 }
 

@@ -47,8 +47,7 @@ HMODULE loadPartnerLibrary()
     const HMODULE loaded = GetModuleHandleW(name.data());
     const HMODULE partner = loaded ? loaded : LoadLibraryExW(name.data(), nullptr, 0);
     if (!partner)
-        StartRecord::instance().passOver(name.data(),
-                                         L"the partner library is recorded but cannot be loaded");
+        StartRecord::instance().passOver(name.data(), L"the partner library is recorded but cannot be loaded");
     return partner;
 }
 

@@ -59,8 +59,7 @@ bool isProfileFile(const std::wstring& profile, const wchar_t* extension)
 /// one. Called under the store lock.
 wchar_t* keptProfileName(const wchar_t* name)
 {
-    static auto* const kNames =
-        new std::set<std::wstring>; // never destroyed: names are read until the very end
+    static auto* const kNames = new std::set<std::wstring>; // never destroyed: names are read until the very end
     return const_cast<wchar_t*>(kNames->insert(name).first->c_str());
 }
 

@@ -7,8 +7,7 @@ namespace vruinfo::internal
 
 StartRecord& StartRecord::instance()
 {
-    static auto* const kRecord =
-        new StartRecord; // never destroyed: asked for until the very end of the process
+    static auto* const kRecord = new StartRecord; // never destroyed: asked for until the very end of the process
     return *kRecord;
 }
 

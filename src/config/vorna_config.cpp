@@ -29,10 +29,8 @@ const wchar_t* textOr(const wchar_t* text, const wchar_t* fallback)
 
 } // namespace
 
-VornaConfigException::VornaConfigException(const wchar_t* message, bool exitProcess, const wchar_t* file,
-                                           int line) :
-    VrExceptionWithMsg(message, file, line),
-    m_exitProcess(exitProcess)
+VornaConfigException::VornaConfigException(const wchar_t* message, bool exitProcess, const wchar_t* file, int line) :
+    VrExceptionWithMsg(message, file, line), m_exitProcess(exitProcess)
 {
 }
 
@@ -169,6 +167,5 @@ unsigned int InitVornConfig(const wchar_t* company, const wchar_t* product, cons
                             const wchar_t* profile)
 {
     VornaConfig* const config = vornConfig();
-    return config ? config->initial(company, product, language, profile)
-                  : static_cast<unsigned int>(Vorn::eFailed);
+    return config ? config->initial(company, product, language, profile) : static_cast<unsigned int>(Vorn::eFailed);
 }

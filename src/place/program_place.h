@@ -24,8 +24,7 @@ struct ProgramPlace {
 /// Program directory and a component with one "/" between, written into a caller's buffer; no separator at
 /// its end. The directory's length (without separator), the component's and 2 must be less than size - 1.
 /// \return its length, 0 on failure (the buffer may hold the executable's path or directory then)
-[[nodiscard]] unsigned int writeProgramComponent(wchar_t* buffer, unsigned int size,
-                                                 const wchar_t* component);
+[[nodiscard]] unsigned int writeProgramComponent(wchar_t* buffer, unsigned int size, const wchar_t* component);
 
 /// Whether a path may be read.
 [[nodiscard]] bool isReadable(const wchar_t* path);

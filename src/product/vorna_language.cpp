@@ -13,9 +13,9 @@
 
 using namespace vruinfo::internal;
 
-const wchar_t* const _std_short_languages[kVornLanguageCount] = {
-    L"cs-CZ", L"de-DE", L"en-US", L"es-ES", L"fr-FR", L"hu-HU", L"it-IT", L"ja-JP",
-    L"ko-KR", L"pl-PL", L"pt-PT", L"ru-RU", L"tr-TR", L"zh-CN", L"zh-TW"};
+const wchar_t* const _std_short_languages[kVornLanguageCount] = {L"cs-CZ", L"de-DE", L"en-US", L"es-ES", L"fr-FR",
+                                                                 L"hu-HU", L"it-IT", L"ja-JP", L"ko-KR", L"pl-PL",
+                                                                 L"pt-PT", L"ru-RU", L"tr-TR", L"zh-CN", L"zh-TW"};
 
 const wchar_t* const _std_global_languages[kVornLanguageCount] = {L"Czech",
                                                                   L"German",
@@ -64,9 +64,7 @@ HMODULE nameLibrary()
 
 } // namespace
 
-VornaLanguage::VornaLanguage(int id) : m_id(isLanguageId(id) ? id : kUnknownLanguageId), m_localName(nullptr)
-{
-}
+VornaLanguage::VornaLanguage(int id) : m_id(isLanguageId(id) ? id : kUnknownLanguageId), m_localName(nullptr) {}
 
 VornaLanguage::VornaLanguage(const wchar_t* shortName) : m_id(idOf(shortName)), m_localName(nullptr) {}
 
@@ -110,8 +108,7 @@ const wchar_t* VornaLanguage::localName() const
 {
     if (m_localName)
         return m_localName;
-    const unsigned int id =
-        isLanguageId(m_id) ? kLocalNameTexts[static_cast<std::size_t>(m_id)] : kUnknownLanguageText;
+    const unsigned int id = isLanguageId(m_id) ? kLocalNameTexts[static_cast<std::size_t>(m_id)] : kUnknownLanguageText;
     std::array<wchar_t, kLongestLocalName + 1> text{};
     const int length = LoadStringW(nameLibrary(), id, text.data(), kLongestLocalName);
     if (length > 0)

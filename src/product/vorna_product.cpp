@@ -32,8 +32,7 @@ struct Edition {
     int number;
 };
 
-constexpr std::array<Edition, 4> kEditions = {
-    {{L"VORNAA", 3}, {L"VORNAM", 2}, {L"VORNA", 1}, {L"VORNAGEO", 6}}};
+constexpr std::array<Edition, 4> kEditions = {{{L"VORNAA", 3}, {L"VORNAM", 2}, {L"VORNA", 1}, {L"VORNAGEO", 6}}};
 
 int editionOf(const wchar_t* product)
 {

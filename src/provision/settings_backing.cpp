@@ -37,8 +37,7 @@ protected:
 QString iniText(VornaConfig& config, const wchar_t* key, const wchar_t* fallback)
 {
     std::array<wchar_t, kNameSize> text{};
-    const unsigned int status =
-        config.readIniString(kProductSection, key, text.data(), kNameSize, kProductIni);
+    const unsigned int status = config.readIniString(kProductSection, key, text.data(), kNameSize, kProductIni);
     return toQString(status == Vorn::eOk ? text.data() : fallback);
 }
 
@@ -57,8 +56,8 @@ void VornaConfig::initRegObject(const wchar_t* company, const wchar_t* product)
     const QString productName = givenOrIniText(product, *this, kProductNameKey, kDefaultProduct);
     const QString version = iniText(*this, kVersionKey, kRelease);
     const QString organisation = companyName + QLatin1Char('/') + productName + QLatin1Char('/') + version;
-    auto settings = std::make_unique<LockedSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                                     organisation, productName);
+    auto settings =
+        std::make_unique<LockedSettings>(QSettings::NativeFormat, QSettings::UserScope, organisation, productName);
     // A lock file found now was left behind: opening does not lock, and whoever still writes makes a new one.
     QFile::remove(settings->fileName() + QStringLiteral(".lock"));
     g_globalSettings = settings.release();

@@ -14,20 +14,9 @@ namespace vruinfo::internal
 namespace
 {
 
-/// A group path as the settings object takes it.
-class GroupName final
-{
-public:
-    explicit GroupName(const KeyPath& path) : m_text(path.text(), path.length()) {}
-    [[nodiscard]] const QString& string() const { return m_text.string(); }
-
-private:
-    TransientString m_text;
-};
-
 unsigned int removeNamed(const KeyPath& item, const QString& name)
 {
-    StoreGroup group(GroupName(item).string());
+    StoreGroup group(item.transient());
     if (!group.contains(name))
         return Vorn::eFailed;
     group.remove(name);
@@ -36,55 +25,68 @@ unsigned int removeNamed(const KeyPath& item, const QString& name)
 
 bool holdsValue(const KeyPath& item, const QString& name)
 {
-    const StoreGroup group(GroupName(item).string());
+    const StoreGroup group(item.transient());
     return group.contains(name);
 }
 
-/// The path whose existence is asked: one leading separator of the sub-path is skipped, nothing else is
-/// changed but backslashes.
-std::optional<KeyPath> askedPath(const VornaConfig& config, VornaConfig::Path root, const wchar_t* subkey)
+/// Appends the item whose existence is asked: one leading separator of it is skipped, nothing else is trimmed.
+bool appendAsked(const wchar_t* subkey, KeyPath& path)
 {
-    std::optional<KeyPath> path = rootPath(config, root);
-    if (!path || isEmpty(subkey))
-        return path;
-    const std::size_t length = std::wcslen(subkey);
-    const std::size_t skipped = subkey[0] == L'/' || subkey[0] == L'\\' ? 1 : 0;
-    if (path->length() + length + 2 > KeyPath::kLongest || !path->join(subkey + skipped, length - skipped))
-        path.reset();
-    return path;
+    const std::wstring_view asked(subkey);
+    const std::size_t skipped = asked[0] == L'/' || asked[0] == L'\\' ? 1 : 0;
+    return path.length() + asked.size() + 2 <= KeyPath::kLongest && path.join(asked.substr(skipped));
 }
 
 } // namespace
 
 std::optional<KeyPath> itemPath(const VornaConfig& config, VornaConfig::Path root, const wchar_t* subPath)
 {
-    std::optional<KeyPath> path = rootPath(config, root);
-    if (path && !path->join(KeyPath::normalised(subPath)))
+    std::optional<KeyPath> path(std::in_place);
+    if (!appendRoot(config, root, *path) || !path->join(trimmedPath(subPath)))
         path.reset();
     return path;
 }
 
 std::optional<KeyPath> freePath(const wchar_t* key)
 {
-    std::optional<KeyPath> path(KeyPath::normalised(key));
+    std::optional<KeyPath> path(std::in_place, trimmedPath(key));
     if (!path->fitsAlone())
         path.reset();
     return path;
 }
 
-unsigned int readValue(const QString& item, const QString& name, VornVariant& out)
+ValueName valueName(const wchar_t* name)
 {
-    const QVariant stored = StoreGroup(item).value(name);
-    if (stored.isNull())
+    return name ? ValueName(name) : std::nullopt;
+}
+
+unsigned int writeValue(const QString& group, ValueName name, const VornVariant& value)
+{
+    if (!name || !isStoreThere())
+        return Vorn::eMissing;
+    const QVariant stored = toStored(value);
+    if (namesNothing(group)) {
+        StoreGroup(group).setValue(toQString(*name), stored); // a key at the top level is kept as it is given
+        return Vorn::eOk;
+    }
+    const TransientString key(*name);
+    StoreGroup(group).setValue(key.string(), stored);
+    return Vorn::eOk;
+}
+
+unsigned int readValue(const QString& group, const QString& name, VornVariant& out)
+{
+    const QVariant stored = StoreGroup(group).value(name);
+    if (!isStored(stored))
         return Vorn::eNotFound;
     fromStored(stored, out);
     return Vorn::eOk;
 }
 
-unsigned int readValue(const KeyPath& item, const wchar_t* name, VornVariant& out)
+unsigned int readValue(const KeyPath& item, ValueName name, VornVariant& out)
 {
-    const TransientString key(name ? name : L"", name ? std::wcslen(name) : 0);
-    return readValue(GroupName(item).string(), key.string(), out);
+    const TransientString key(name.value_or(std::wstring_view()));
+    return readValue(item.transient(), key.string(), out);
 }
 
 } // namespace vruinfo::internal
@@ -93,12 +95,8 @@ using namespace vruinfo::internal;
 
 unsigned int WriteValueToReg(const wchar_t* key, const wchar_t* name, const VornVariant& value)
 {
-    if (!key || !name || !isStoreThere())
-        return Vorn::eMissing;
-    const QVariant stored = toStored(value);
-    const TransientString item(key, std::wcslen(key));
-    StoreGroup(item.string()).setValue(toQString(name), stored);
-    return Vorn::eOk;
+    return key ? writeValue(TransientString(key).string(), valueName(name), value)
+               : static_cast<unsigned int>(Vorn::eMissing);
 }
 
 unsigned int VornaConfig::getValue(const wchar_t* key, const wchar_t* name, VornVariant& out) const
@@ -106,28 +104,29 @@ unsigned int VornaConfig::getValue(const wchar_t* key, const wchar_t* name, Vorn
     if (!key || !name || !isStoreThere())
         return Vorn::eFailed;
     const std::optional<KeyPath> item = freePath(key);
-    return item ? readValue(*item, name, out) : static_cast<unsigned int>(Vorn::eFailed);
+    return item ? readValue(*item, valueName(name), out) : static_cast<unsigned int>(Vorn::eFailed);
 }
 
 unsigned int VornaConfig::getValue(Path root, const wchar_t* name, VornVariant& out) const
 {
-    std::optional<KeyPath> item = rootPath(*this, root);
-    if (!item)
+    KeyPath item;
+    if (!appendRoot(*this, root, item))
         return Vorn::eFailed;
-    const KeyPath whole = KeyPath::normalised(name);
-    const KeyPath::Split split = whole.split();
-    if (!item->join(split.parent, split.parentLength, KeyPath::Slack::Two))
+    const ValuePath path = ValuePath::split(name);
+    if (!item.join(path.item, KeyPath::Slack::Two))
         return Vorn::eFailed;
     if (!isStoreThere())
         return Vorn::eMissing;
-    return readValue(*item, split.name, out);
+    return readValue(item, path.name, out);
 }
 
 unsigned int VornaConfig::setValue(Path root, const wchar_t* name, const VornVariant& value)
 {
-    const KeyPath whole = KeyPath::normalised(name);
-    const KeyPath::Split split = whole.split();
-    return addValue(root, split.parentPath().text(), split.name, value);
+    const ValuePath path = ValuePath::split(name);
+    KeyPath item;
+    if (!appendRoot(*this, root, item) || !item.join(path.trimmedItem()))
+        return Vorn::eFailed;
+    return writeValue(item.transient(), path.name, value);
 }
 
 unsigned int VornaConfig::addValue(const wchar_t* key, const wchar_t* name, const VornVariant& value)
@@ -140,14 +139,13 @@ unsigned int VornaConfig::addValue(const wchar_t* key, const wchar_t* name, cons
     const std::lock_guard<VrLocker> lock(storeLock());
     if (!holdsValue(*item, toQString(name)))
         return Vorn::eFailed;
-    return WriteValueToReg(item->text(), name, value);
+    return writeValue(item->transient(), valueName(name), value);
 }
 
-unsigned int VornaConfig::addValue(Path root, const wchar_t* subkey, const wchar_t* name,
-                                   const VornVariant& value)
+unsigned int VornaConfig::addValue(Path root, const wchar_t* subkey, const wchar_t* name, const VornVariant& value)
 {
     const std::optional<KeyPath> item = itemPath(*this, root, subkey);
-    return item ? WriteValueToReg(item->text(), name, value) : static_cast<unsigned int>(Vorn::eFailed);
+    return item ? writeValue(item->transient(), valueName(name), value) : static_cast<unsigned int>(Vorn::eFailed);
 }
 
 unsigned int VornaConfig::removeValue(const wchar_t* key, const wchar_t* name)
@@ -163,7 +161,7 @@ unsigned int VornaConfig::removeValue(Path root, const wchar_t* subkey, const wc
     const std::optional<KeyPath> item = itemPath(*this, root, subkey);
     if (!item || !isStoreThere())
         return Vorn::eFailed;
-    StoreGroup(GroupName(*item).string()).remove(toQString(name));
+    StoreGroup(item->transient()).remove(toQString(name));
     return Vorn::eOk;
 }
 
@@ -172,43 +170,44 @@ unsigned int VornaConfig::addItem(Path root, const wchar_t* subkey)
     const std::optional<KeyPath> item = itemPath(*this, root, subkey);
     if (!item || !isStoreThere())
         return Vorn::eFailed;
-    const StoreGroup group(GroupName(*item).string());
+    const StoreGroup group(item->transient());
     return Vorn::eOk;
 }
 
 bool VornaConfig::isItemExist(Path root, const wchar_t* subkey)
 {
-    const std::optional<KeyPath> item = askedPath(*this, root, subkey);
-    if (!item || !isStoreThere())
+    KeyPath item;
+    if (!appendRoot(*this, root, item) || !isStoreThere())
         return false;
-    QString path = toQString(item->text(), item->length());
-    path.replace(QLatin1Char('\\'), QLatin1Char('/'));
-    return StoreGroup(path).holdsAnything();
+    if (!isEmpty(subkey) && !appendAsked(subkey, item))
+        return false;
+    item.replaceBackslashes(); // also those in the root's own names
+    return StoreGroup(item.transient()).holdsAnything();
 }
 
 unsigned int VornaConfig::removeItem(const wchar_t* key, const wchar_t* subkey)
 {
     if (!key || !subkey || !isStoreThere())
         return Vorn::eFailed;
-    const KeyPath item = KeyPath::normalised(key);
+    const KeyPath item(trimmedPath(key));
     if (item.isEmpty() || item.length() + std::wcslen(subkey) + 1 > KeyPath::kLongest)
         return Vorn::eFailed;
-    const QString path = toQString(item.text(), item.length()) + QLatin1Char('/') + toQString(subkey);
+    const QString path = item.copy() + QLatin1Char('/') + toQString(subkey);
     return RegDeleteKeyAndAllSubkeys(path) ? Vorn::eOk : Vorn::eFailed;
 }
 
 unsigned int VornaConfig::removeItem(Path root, const wchar_t* subkey)
 {
-    std::optional<KeyPath> item = rootPath(*this, root);
-    if (!item)
+    KeyPath item;
+    if (!appendRoot(*this, root, item))
         return Vorn::eFailed;
     if (!isEmpty(subkey)) {
-        const KeyPath below = KeyPath::normalised(subkey);
-        if (below.isEmpty())
+        const std::wstring_view below = trimmedPath(subkey);
+        if (below.empty())
             return Vorn::eNotFound;
-        if (!item->join(below))
+        if (!item.join(below))
             return Vorn::eFailed;
     }
-    RegDeleteKeyAndAllSubkeys(toQString(item->text(), item->length()));
+    RegDeleteKeyAndAllSubkeys(item.copy());
     return Vorn::eOk;
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string_view>
 
 #include "VrUInfo/VornaConfig.h"
 #include "store/key_path.h"
@@ -10,17 +11,21 @@
 namespace vruinfo::internal
 {
 
-/// A root of the tree; nothing when there is none.
-[[nodiscard]] std::optional<KeyPath> rootPath(const VornaConfig& config, VornaConfig::Path root);
-/// root/subPath, the sub-path normalised first; nothing when there is no such root or it does not fit.
-[[nodiscard]] std::optional<KeyPath> itemPath(const VornaConfig& config, VornaConfig::Path root,
-                                              const wchar_t* subPath);
-/// A free key path, normalised; nothing when it is too long.
+/// Writes a root into an empty path; false when there is no such root.
+[[nodiscard]] bool appendRoot(const VornaConfig& config, VornaConfig::Path root, KeyPath& path);
+/// root/subPath, the sub-path trimmed first; nothing when there is no such root or it does not fit.
+[[nodiscard]] std::optional<KeyPath> itemPath(const VornaConfig& config, VornaConfig::Path root, const wchar_t* subPath);
+/// A free key path, trimmed; nothing when it is too long.
 [[nodiscard]] std::optional<KeyPath> freePath(const wchar_t* key);
 
-/// Reads a value under the store lock. The settings object must be there. \return eOk or eNotFound
-[[nodiscard]] unsigned int readValue(const QString& item, const QString& name, VornVariant& out);
-/// The same; a null name is the empty one, which is never there.
-[[nodiscard]] unsigned int readValue(const KeyPath& item, const wchar_t* name, VornVariant& out);
+/// A value's name: a null name is no name.
+using ValueName = std::optional<std::wstring_view>;
+[[nodiscard]] ValueName valueName(const wchar_t* name);
+
+/// Writes a value; the group is a transient or a lasting string. \return eOk; eMissing without a name or settings object
+[[nodiscard]] unsigned int writeValue(const QString& group, ValueName name, const VornVariant& value);
+/// Reads a value under the store lock; the settings object must be there. \return eOk or eNotFound
+[[nodiscard]] unsigned int readValue(const QString& group, const QString& name, VornVariant& out);
+[[nodiscard]] unsigned int readValue(const KeyPath& item, ValueName name, VornVariant& out);
 
 } // namespace vruinfo::internal

@@ -38,18 +38,16 @@ unsigned int step(std::int32_t& index, std::int32_t count)
 class Snapshot final
 {
 public:
-    Snapshot(Names* list, std::int32_t& index, std::int32_t& count) :
-        m_list(list), m_index(index), m_count(count)
+    Snapshot(Names* list, std::int32_t& index, std::int32_t& count) : m_list(list), m_index(index), m_count(count)
     {
         m_index = m_count = 0;
     }
     /// The names found at the path, then the path itself, which is not counted.
-    [[nodiscard]] unsigned int take(const std::optional<KeyPath>& path,
-                                    QStringList (StoreGroup::*names)() const)
+    [[nodiscard]] unsigned int take(const std::optional<KeyPath>& path, QStringList (StoreGroup::*names)() const)
     {
         if (!path || !isStoreThere())
             return Vorn::eFailed;
-        const QString base = toQString(path->text(), path->length());
+        const QString base = path->copy();
         m_list->append((StoreGroup(base).*names)());
         m_count = m_list->size();
         m_list->append(base);
@@ -82,10 +80,7 @@ QString subItemPath(const Place& place)
 
 using namespace vruinfo::internal;
 
-VornaConfig::ItemIterator::ItemIterator() :
-    m_list(std::make_unique<Names>().release()), m_index(-1), m_count(0)
-{
-}
+VornaConfig::ItemIterator::ItemIterator() : m_list(std::make_unique<Names>().release()), m_index(-1), m_count(0) {}
 
 VornaConfig::ItemIterator::~ItemIterator()
 {
@@ -112,10 +107,7 @@ unsigned int VornaConfig::ItemIterator::name(wchar_t* buffer, int& length) const
     return Vorn::eOk;
 }
 
-VornaConfig::ValueIterator::ValueIterator() :
-    m_list(std::make_unique<Names>().release()), m_index(-1), m_count(0)
-{
-}
+VornaConfig::ValueIterator::ValueIterator() : m_list(std::make_unique<Names>().release()), m_index(-1), m_count(0) {}
 
 VornaConfig::ValueIterator::~ValueIterator()
 {
@@ -171,8 +163,7 @@ unsigned int VornaConfig::findItem(const wchar_t* key, ItemIterator& iterator)
 
 unsigned int VornaConfig::findItem(const wchar_t* key, ValueIterator& iterator)
 {
-    return Snapshot(iterator.m_list, iterator.m_index, iterator.m_count)
-        .take(enumerable(key), &StoreGroup::childKeys);
+    return Snapshot(iterator.m_list, iterator.m_index, iterator.m_count).take(enumerable(key), &StoreGroup::childKeys);
 }
 
 unsigned int VornaConfig::findItem(Path root, const wchar_t* subkey, ItemIterator& iterator)
@@ -199,8 +190,7 @@ unsigned int VornaConfig::getValue(const ItemIterator& iterator, const wchar_t* 
     return readValue(subItemPath({iterator.m_list, iterator.m_index}), toQString(name), out);
 }
 
-unsigned int VornaConfig::setValue(ItemIterator& iterator, const wchar_t* name,
-                                   const VornVariant& value) const
+unsigned int VornaConfig::setValue(ItemIterator& iterator, const wchar_t* name, const VornVariant& value) const
 {
     if (!iterator.m_list)
         return Vorn::eNotFound;

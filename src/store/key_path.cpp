@@ -1,5 +1,10 @@
 #include "store/key_path.h"
 
+#include <algorithm>
+#include <cwchar>
+
+#include "text/wide_text.h"
+
 namespace vruinfo::internal
 {
 namespace
@@ -10,78 +15,102 @@ bool isSeparator(wchar_t c)
     return c == L'/' || c == L'\\';
 }
 
-std::size_t boundedLength(const wchar_t* text)
+std::wstring_view withoutTrailingSeparators(std::wstring_view text)
 {
-    const std::size_t length = wcsnlen(text, kPathCapacity);
-    if (length >= kPathCapacity)
-        endProcessTooLong(kPathCapacity);
-    return length;
+    while (!text.empty() && isSeparator(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 } // namespace
 
-KeyPath KeyPath::normalised(const wchar_t* text)
+std::wstring_view trimmedPath(const wchar_t* text)
 {
-    KeyPath path;
     if (!text)
-        return path;
-    std::size_t length = boundedLength(text);
-    while (length > 0 && isSeparator(*text)) {
-        ++text;
-        --length;
-    }
-    while (length > 0 && isSeparator(text[length - 1]))
-        --length;
-    for (std::size_t i = 0; i < length; ++i)
-        path.m_text[i] = text[i] == L'\\' ? L'/' : text[i];
-    path.m_text[length] = L'\0';
-    path.m_length = length;
+        return {};
+    const std::size_t length = wcsnlen(text, kPathCapacity);
+    if (length >= kPathCapacity)
+        endProcessTooLong(kPathCapacity);
+    std::wstring_view path = withoutTrailingSeparators({text, length});
+    while (!path.empty() && isSeparator(path.front()))
+        path.remove_prefix(1);
     return path;
 }
 
-KeyPath KeyPath::verbatim(const wchar_t* text)
+ValuePath ValuePath::split(const wchar_t* text)
 {
-    KeyPath path;
-    path.m_length = boundedLength(text);
-    std::wmemcpy(path.m_text, text, path.m_length + 1);
-    return path;
+    const std::wstring_view path = trimmedPath(text);
+    if (path.empty())
+        return {};
+    std::size_t name = path.size();
+    while (name > 0 && !isSeparator(path[name - 1]))
+        --name;
+    return {path.substr(0, name == 0 ? 0 : name - 1), path.substr(name)};
 }
 
-bool KeyPath::join(const wchar_t* subPath, std::size_t length, Slack slack)
+std::wstring_view ValuePath::trimmedItem() const
 {
-    if (length == 0)
-        return true;
-    if (m_length + length + static_cast<std::size_t>(slack) > kLongest)
+    return withoutTrailingSeparators(item);
+}
+
+KeyPath::KeyPath(std::wstring_view text)
+{
+    if (!append(text))
+        endProcessTooLong(kPathCapacity);
+    replaceBackslashes();
+}
+
+KeyPath::KeyPath(const KeyPath& other) : m_unitCount(other.m_unitCount), m_length(other.m_length)
+{
+    std::copy_n(other.m_units.data, m_unitCount, m_units.data);
+}
+
+bool KeyPath::append(std::wstring_view text)
+{
+    if (text.size() >= kPathCapacity - m_length)
         return false;
-    m_text[m_length] = L'/';
-    std::wmemcpy(m_text + m_length + 1, subPath, length);
-    m_length += length + 1;
-    m_text[m_length] = L'\0';
+    m_unitCount += narrow(text, end());
+    m_length += text.size();
     return true;
 }
 
-bool KeyPath::join(const KeyPath& subPath, Slack slack)
+bool KeyPath::appendComponent(std::wstring_view text)
 {
-    return join(subPath.m_text, subPath.m_length, slack);
+    if (text.size() + 1 >= kPathCapacity - m_length)
+        return false;
+    *end() = u'/';
+    ++m_unitCount;
+    ++m_length;
+    return append(text);
 }
 
-KeyPath KeyPath::Split::parentPath() const
+bool KeyPath::join(std::wstring_view subPath, Slack slack)
 {
-    KeyPath path;
-    std::wmemcpy(path.m_text, parent, parentLength);
-    path.m_text[parentLength] = L'\0';
-    path.m_length = parentLength;
-    return path;
+    if (subPath.empty())
+        return true;
+    if (m_length + subPath.size() + static_cast<std::size_t>(slack) > kLongest)
+        return false;
+    const std::size_t before = m_unitCount;
+    if (!appendComponent(subPath))
+        return false;
+    replaceBackslashes(before);
+    return true;
 }
 
-KeyPath::Split KeyPath::split() const
+QString KeyPath::transient() const
 {
-    if (m_length == 0)
-        return {m_text, 0, nullptr};
-    std::size_t name = m_length;
-    while (name > 0 && m_text[name - 1] != L'/')
-        --name;
-    return {m_text, name == 0 ? 0 : name - 1, m_text + name};
+    return literalString(m_units, m_unitCount);
+}
+
+QString KeyPath::copy() const
+{
+    return QString(units(), static_cast<int>(m_unitCount));
+}
+
+void KeyPath::replaceBackslashes(std::size_t from)
+{
+    char16_t* const begin = reinterpret_cast<char16_t*>(m_units.data);
+    std::replace(begin + from, begin + m_unitCount, u'\\', u'/');
 }
 
 } // namespace vruinfo::internal

@@ -10,6 +10,7 @@
 
 namespace vruinfo::internal
 {
+
 namespace
 {
 
@@ -19,7 +20,7 @@ constexpr std::size_t kLongestWithConfig = 1022;
 /// A root that hangs below another one by a fixed name.
 struct FixedChild {
     VornaConfig::Path parent;
-    const wchar_t* name;
+    std::wstring_view name;
 };
 
 FixedChild fixedChild(VornaConfig::Path path)
@@ -39,12 +40,12 @@ FixedChild fixedChild(VornaConfig::Path path)
 }
 
 /// The current profile's name, adopted from the tree if none was set; null when that cannot be resolved.
-const wchar_t* resolvedProfileName(const VornaConfig& config, const wchar_t* profilesRoot)
+const wchar_t* resolvedProfileName(const VornaConfig& config)
 {
     if (!isEmpty(config.profileName()))
         return config.profileName();
     wchar_t recorded[kPathCapacity];
-    if (config.getCurrentProfileNameFromReg(recorded, profilesRoot) != Vorn::eOk)
+    if (config.getCurrentProfileNameFromReg(recorded, nullptr) != Vorn::eOk)
         return nullptr;
     vornConfig()->updateProfileName(recorded);
     return config.profileName();
@@ -71,14 +72,44 @@ unsigned int copyProfileName(const wchar_t* text, wchar_t* name, unsigned int& l
 
 } // namespace
 
-std::optional<KeyPath> rootPath(const VornaConfig& config, VornaConfig::Path root)
+/// Writes roots into a WideWriter or a KeyPath.
+struct RootBuilder {
+    template <typename Text>
+    [[nodiscard]] static bool append(const VornaConfig& config, VornaConfig::Path path, Text& out)
+    {
+        switch (path) {
+        case VornaConfig::ProductNameRoot:
+            return out.append(config.m_companyRootPath);
+        case VornaConfig::VersionRoot:
+            return out.append(config.m_productRootPath);
+        case VornaConfig::LanguageRoot:
+            return out.append(config.m_productRootPath) && out.appendComponent(config.m_language.shortName());
+        case VornaConfig::CurrentProfileRoot:
+            return append(config, VornaConfig::ProfilesRoot, out) && appendProfile(config, out);
+        default:
+            const FixedChild child = fixedChild(path);
+            return append(config, child.parent, out) && out.appendComponent(child.name);
+        }
+    }
+
+    template <typename Text>
+    [[nodiscard]] static bool appendProfile(const VornaConfig& config, Text& out)
+    {
+        const wchar_t* const name = resolvedProfileName(config);
+        return name && out.appendComponent(name);
+    }
+
+    /// Nothing before `initial`, and for what is no selector.
+    template <typename Text>
+    [[nodiscard]] static bool build(const VornaConfig& config, VornaConfig::Path path, Text& out)
+    {
+        return config.m_initialized && path <= VornaConfig::UserConfigRoot && append(config, path, out);
+    }
+};
+
+bool appendRoot(const VornaConfig& config, VornaConfig::Path root, KeyPath& path)
 {
-    std::optional<KeyPath> path(std::in_place);
-    config.getRegRootPath(root, path->buffer());
-    path->measure();
-    if (path->isEmpty())
-        path.reset();
-    return path;
+    return RootBuilder::build(config, root, path) && !path.isEmpty();
 }
 
 } // namespace vruinfo::internal
@@ -90,31 +121,8 @@ void VornaConfig::getRegRootPath(Path path, wchar_t* out) const
     if (!out)
         return;
     WideWriter writer(out, kPathCapacity);
-    if (!m_initialized || path > UserConfigRoot || !appendRoot(path, writer))
+    if (!RootBuilder::build(*this, path, writer))
         writer.clear();
-}
-
-bool VornaConfig::appendRoot(Path path, WideWriter& out) const
-{
-    switch (path) {
-    case ProductNameRoot:
-        return out.append(m_companyRootPath);
-    case VersionRoot:
-        return out.append(m_productRootPath);
-    case LanguageRoot:
-        return out.append(m_productRootPath) && out.appendComponent(m_language.shortName());
-    case CurrentProfileRoot:
-        return appendRoot(ProfilesRoot, out) && appendProfile(out);
-    default:
-        const FixedChild child = fixedChild(path);
-        return appendRoot(child.parent, out) && out.appendComponent(child.name);
-    }
-}
-
-bool VornaConfig::appendProfile(WideWriter& out) const
-{
-    const wchar_t* const name = resolvedProfileName(*this, out.text());
-    return name && out.appendComponent(name);
 }
 
 unsigned int GetRegistryProductNameRootKey(wchar_t* key)

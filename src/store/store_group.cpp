@@ -1,20 +1,9 @@
 #include "store/store_group.h"
 
-#include <algorithm>
-
 #include "VrUInfo/VornaConfig.h"
 
 namespace vruinfo::internal
 {
-namespace
-{
-
-bool namesNothing(const QString& name)
-{
-    return std::all_of(name.cbegin(), name.cend(), [](QChar c) { return c == QLatin1Char('/'); });
-}
-
-} // namespace
 
 bool isStoreThere()
 {

@@ -1,6 +1,7 @@
 // The settings object as the store uses it: under the store lock, one group open at a time.
 #pragma once
 
+#include <algorithm>
 #include <mutex>
 
 #include <QtCore/QSettings>
@@ -19,6 +20,12 @@ namespace vruinfo::internal
 
 /// Whether the settings object has been made.
 [[nodiscard]] bool isStoreThere();
+
+/// Whether a group path or a value name is empty or holds separators only.
+[[nodiscard]] inline bool namesNothing(const QString& text)
+{
+    return std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c == QLatin1Char('/'); });
+}
 
 /// Takes the store lock and opens a group (relative to the one that is open); undoes both at the end of its
 /// scope. The settings object must be there. Every access to the settings tree goes through this class.

@@ -1,7 +1,10 @@
 #include "store/tagged_text.h"
 
 #include <array>
+#include <cwchar>
 #include <limits>
+
+#include "text/wide_text.h"
 
 namespace vruinfo::internal
 {
@@ -10,9 +13,9 @@ namespace
 
 constexpr QLatin1Char kSeparator('$');
 
-QChar digitOf(unsigned int number)
+char digitOf(int number)
 {
-    return QChar(static_cast<ushort>('0' + number));
+    return static_cast<char>('0' + number);
 }
 
 } // namespace
@@ -33,31 +36,31 @@ int tagNumber(QChar tag)
 
 QString taggedText(int tag, const QString& payload)
 {
-    QString text;
-    text.reserve(payload.size() + 2);
-    text += digitOf(static_cast<unsigned int>(tag));
-    text += kSeparator;
-    text += payload;
-    return text;
+    return QString(QLatin1Char(digitOf(tag))) + kSeparator + payload;
+}
+
+QString taggedText(int tag, const wchar_t* payload)
+{
+    const char prefix[] = {digitOf(tag), kSeparator.toLatin1()};
+    return toQString(QLatin1String(prefix, sizeof prefix), payload);
 }
 
 QString taggedNumber(int tag, std::int64_t number)
 {
-    constexpr std::size_t kMost =
-        std::numeric_limits<std::int64_t>::digits10 + 4; // digits, sign, tag and "$"
+    constexpr std::size_t kMost = std::numeric_limits<std::int64_t>::digits10 + 4; // digits, sign, tag and "$"
     std::array<QChar, kMost> units;
     std::size_t begin = units.size();
     auto rest = static_cast<std::uint64_t>(number);
     if (number < 0)
         rest = 0 - rest;
     do {
-        units[--begin] = digitOf(static_cast<unsigned int>(rest % 10));
+        units[--begin] = QLatin1Char(digitOf(static_cast<int>(rest % 10)));
         rest /= 10;
     } while (rest != 0);
     if (number < 0)
         units[--begin] = QLatin1Char('-');
     units[--begin] = kSeparator;
-    units[--begin] = digitOf(static_cast<unsigned int>(tag));
+    units[--begin] = QLatin1Char(digitOf(tag));
     return QString(units.data() + begin, static_cast<int>(units.size() - begin));
 }
 

@@ -28,6 +28,8 @@ struct TaggedText {
 
 /// The text form of a payload that is text already.
 [[nodiscard]] QString taggedText(int tag, const QString& payload);
+/// The same for wide text.
+[[nodiscard]] QString taggedText(int tag, const wchar_t* payload);
 /// The text form of an integer.
 [[nodiscard]] QString taggedNumber(int tag, std::int64_t number);
 

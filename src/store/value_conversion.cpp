@@ -111,6 +111,12 @@ int typeOf(const TaggedText& tagged)
     return tagged.tag ? tagNumber(*tagged.tag) : static_cast<int>(VornVariant::kVarString);
 }
 
+/// The text that a variant holds, where it holds one: nearly always, and then nothing is converted or counted.
+const QString* heldText(const QVariant& stored)
+{
+    return stored.userType() == QMetaType::QString ? static_cast<const QString*>(stored.constData()) : nullptr;
+}
+
 } // namespace
 
 std::uint32_t sizeWord(const VornVariant& value)
@@ -166,15 +172,17 @@ QVariant toStored(const VornVariant& value)
     case VornVariant::kVarBinary:
         return binaryToStored(value);
     case VornVariant::kVarString:
-        return taggedText(value.type, toQString(textOf(value)));
+        return taggedText(value.type, textOf(value));
     default:
         return {};
     }
 }
 
-void fromStored(const QVariant& stored, VornVariant& out)
+namespace
 {
-    const QString text = stored.toString();
+
+void fromText(const QString& text, VornVariant& out)
+{
     const TaggedText tagged = TaggedText::parse(text);
     const int begin = tagged.payloadBegin;
     switch (typeOf(tagged)) {
@@ -194,6 +202,22 @@ void fromStored(const QVariant& stored, VornVariant& out)
     default:
         break;
     }
+}
+
+} // namespace
+
+bool isStored(const QVariant& stored)
+{
+    const QString* const text = heldText(stored);
+    return text ? !text->isNull() : !stored.isNull();
+}
+
+void fromStored(const QVariant& stored, VornVariant& out)
+{
+    if (const QString* const text = heldText(stored))
+        fromText(*text, out);
+    else
+        fromText(stored.toString(), out);
 }
 
 } // namespace vruinfo::internal

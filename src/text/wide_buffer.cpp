@@ -8,8 +8,7 @@ namespace vruinfo::internal
 
 void endProcessTooLong(std::size_t capacity)
 {
-    std::fprintf(stderr,
-                 "libVrUInfo: a text is too long for its buffer of %zu characters; the process ends\n",
+    std::fprintf(stderr, "libVrUInfo: a text is too long for its buffer of %zu characters; the process ends\n",
                  capacity);
     std::abort();
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cwchar>
+#include <string_view>
 
 namespace vruinfo::internal
 {
@@ -22,30 +23,25 @@ class WideWriter final
 {
 public:
     /// Begins with an empty text in the buffer.
-    WideWriter(wchar_t* buffer, std::size_t capacity) : m_buffer(buffer), m_capacity(capacity)
-    {
-        m_buffer[0] = L'\0';
-    }
+    WideWriter(wchar_t* buffer, std::size_t capacity) : m_buffer(buffer), m_capacity(capacity) { m_buffer[0] = L'\0'; }
 
-    [[nodiscard]] bool append(const wchar_t* text) { return append(text, std::wcslen(text)); }
-    [[nodiscard]] bool append(const wchar_t* text, std::size_t length)
+    [[nodiscard]] bool append(std::wstring_view text)
     {
-        if (length >= m_capacity - m_length)
+        if (text.size() >= m_capacity - m_length)
             return false;
-        std::wmemcpy(m_buffer + m_length, text, length);
-        m_length += length;
+        std::wmemcpy(m_buffer + m_length, text.data(), text.size());
+        m_length += text.size();
         m_buffer[m_length] = L'\0';
         return true;
     }
     /// "/" and the text.
-    [[nodiscard]] bool appendComponent(const wchar_t* text)
+    [[nodiscard]] bool appendComponent(std::wstring_view text)
     {
-        const std::size_t length = std::wcslen(text);
-        if (length + 1 >= m_capacity - m_length)
+        if (text.size() + 1 >= m_capacity - m_length)
             return false;
         m_buffer[m_length] = L'/';
         ++m_length;
-        return append(text, length);
+        return append(text);
     }
     void clear()
     {

@@ -1,8 +1,8 @@
 #include "text/wide_text.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <limits>
-#include <new>
 #include <type_traits>
 
 #if defined(__SSE2__)
@@ -21,46 +21,69 @@ constexpr char32_t kFirstBeyondBmp = 0x10000;
 constexpr char32_t kLast = 0x10FFFF;
 constexpr char32_t kReplacement = 0xFFFD;
 
-std::size_t narrow(const wchar_t* text, std::size_t length, QChar* target)
+std::size_t narrowPairs(std::wstring_view text, char16_t* target)
 {
     std::size_t units = 0;
-    for (std::size_t i = 0; i < length; ++i) {
-        auto c = static_cast<char32_t>(text[i]);
+    for (const wchar_t character : text) {
+        auto c = static_cast<char32_t>(character);
         if (c > kLast)
             c = kReplacement;
         if (c < kFirstBeyondBmp) {
-            target[units++] = QChar(static_cast<ushort>(c));
+            target[units++] = static_cast<char16_t>(c);
             continue;
         }
-        target[units++] = QChar(QChar::highSurrogate(c));
-        target[units++] = QChar(QChar::lowSurrogate(c));
+        target[units++] = QChar::highSurrogate(c);
+        target[units++] = QChar::lowSurrogate(c);
     }
     return units;
 }
 
 #if defined(__SSE2__)
-// Eight characters a round; false at the first round that holds a character beyond the BMP.
-std::size_t narrowRounds(const wchar_t* text, std::size_t length, char16_t* target)
+constexpr std::size_t kRound = 8; // characters
+
+/// Narrows eight characters; false when one of them lies beyond the BMP.
+bool narrowRound(const wchar_t* text, char16_t* target)
 {
     const __m128i zero = _mm_setzero_si128();
-    std::size_t i = 0;
-    for (; i + 8 <= length; i += 8) {
-        __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
-        __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i + 4));
-        const __m128i upper = _mm_or_si128(_mm_srli_epi32(low, 16), _mm_srli_epi32(high, 16));
-        if (_mm_movemask_epi8(_mm_cmpeq_epi32(upper, zero)) != 0xFFFF)
-            break;
-        // Signed saturation would clip 0x8000 and above: sign-extend the lower halves first.
-        low = _mm_srai_epi32(_mm_slli_epi32(low, 16), 16);
-        high = _mm_srai_epi32(_mm_slli_epi32(high, 16), 16);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(target + i), _mm_packs_epi32(low, high));
+    __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+    __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + 4));
+    const __m128i upper = _mm_srli_epi32(_mm_or_si128(low, high), 16);
+    if (_mm_movemask_epi8(_mm_cmpeq_epi32(upper, zero)) != 0xFFFF)
+        return false;
+    // Signed saturation would clip 0x8000 and above: sign-extend the lower halves first.
+    low = _mm_srai_epi32(_mm_slli_epi32(low, 16), 16);
+    high = _mm_srai_epi32(_mm_slli_epi32(high, 16), 16);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm_packs_epi32(low, high));
+    return true;
+}
+
+#endif
+
+bool narrowOneByOne(const wchar_t* text, std::size_t length, char16_t* target)
+{
+    for (std::size_t i = 0; i < length; ++i) {
+        const auto c = static_cast<char32_t>(text[i]);
+        if (c >= kFirstBeyondBmp)
+            return false;
+        target[i] = static_cast<char16_t>(c);
     }
-    return i;
+    return true;
+}
+
+#if defined(__SSE2__)
+bool narrowAll(const wchar_t* text, std::size_t length, char16_t* target)
+{
+    std::size_t i = 0;
+    for (; i + kRound <= length; i += kRound) {
+        if (!narrowRound(text + i, target + i))
+            return false;
+    }
+    return narrowOneByOne(text + i, length - i, target + i);
 }
 #else
-std::size_t narrowRounds(const wchar_t*, std::size_t, char16_t*)
+bool narrowAll(const wchar_t* text, std::size_t length, char16_t* target)
 {
-    return 0;
+    return narrowOneByOne(text, length, target);
 }
 #endif
 
@@ -71,32 +94,38 @@ bool beginsPair(const QChar* units, std::size_t count, std::size_t i)
 
 } // namespace
 
-std::ptrdiff_t narrowBmp(const wchar_t* text, std::size_t length, char16_t* target)
+bool narrowBmp(std::wstring_view text, char16_t* target)
 {
-    for (std::size_t i = narrowRounds(text, length, target); i < length; ++i) {
-        const auto c = static_cast<char32_t>(text[i]);
-        if (c >= kFirstBeyondBmp)
-            return -1;
-        target[i] = static_cast<char16_t>(c);
-    }
-    return static_cast<std::ptrdiff_t>(length);
+    return narrowAll(text.data(), text.size(), target);
 }
 
-QString toQString(const wchar_t* text, std::size_t length)
+std::size_t narrow(std::wstring_view text, char16_t* target)
+{
+    return narrowBmp(text, target) ? text.size() : narrowPairs(text, target);
+}
+
+QString toQString(QLatin1String prefix, std::wstring_view text)
 {
     constexpr auto kLongest = static_cast<std::size_t>(std::numeric_limits<int>::max()) / 4;
-    const std::size_t taken = length < kLongest ? length : kLongest;
-    QString result(static_cast<int>(taken), Qt::Uninitialized);
-    if (narrowBmp(text, taken, reinterpret_cast<char16_t*>(result.data())) >= 0)
+    const int begin = prefix.size();
+    const std::wstring_view taken = text.substr(0, kLongest);
+    QString result(begin + static_cast<int>(taken.size()), Qt::Uninitialized);
+    std::copy_n(prefix.data(), begin, reinterpret_cast<char16_t*>(result.data()));
+    if (narrowBmp(taken, reinterpret_cast<char16_t*>(result.data()) + begin))
         return result;
-    result.resize(static_cast<int>(taken * 2));
-    result.resize(static_cast<int>(narrow(text, taken, result.data())));
+    result.resize(begin + static_cast<int>(taken.size() * 2));
+    result.resize(begin + static_cast<int>(narrowPairs(taken, reinterpret_cast<char16_t*>(result.data()) + begin)));
     return result;
+}
+
+QString toQString(std::wstring_view text)
+{
+    return toQString(QLatin1String(), text);
 }
 
 QString toQString(const wchar_t* text)
 {
-    return text ? toQString(text, std::wcslen(text)) : QString();
+    return text ? toQString(std::wstring_view(text)) : QString();
 }
 
 std::size_t wideLength(const QChar* units, std::size_t count)
@@ -127,17 +156,13 @@ std::wstring toWide(const QString& text)
     return wide;
 }
 
-TransientString::TransientString(const wchar_t* text, std::size_t length)
+TransientString::TransientString(std::wstring_view text)
 {
-    if (length >= static_cast<std::size_t>(kUnits) ||
-        narrowBmp(text, length, reinterpret_cast<char16_t*>(m_units.data)) < 0) {
-        m_string = toQString(text, length);
-        return;
-    }
-    // The header that string literals have: never counted, never freed.
-    new (&m_units.str) QArrayData Q_STATIC_STRING_DATA_HEADER_INITIALIZER(static_cast<int>(length));
-    m_units.data[length] = 0;
-    m_string = QString(QStringDataPtr{m_units.data_ptr()});
+    const bool isShort = text.size() < static_cast<std::size_t>(kUnits);
+    if (isShort && narrowBmp(text, reinterpret_cast<char16_t*>(m_units.data)))
+        m_string = literalString(m_units, text.size());
+    else
+        m_string = toQString(text);
 }
 
 } // namespace vruinfo::internal

@@ -4,18 +4,24 @@
 #pragma once
 
 #include <cstddef>
+#include <new>
 #include <string>
+#include <string_view>
 
 #include <QtCore/QString>
 
 namespace vruinfo::internal
 {
 
-/// Units written to `target`, which must have room for one a character, when all characters lie in the BMP;
-/// otherwise a negative number, with `target` in no particular state.
-[[nodiscard]] std::ptrdiff_t narrowBmp(const wchar_t* text, std::size_t length, char16_t* target);
+/// Writes the text's units to `target`, which must have room for two a character. \return how many were written
+[[nodiscard]] std::size_t narrow(std::wstring_view text, char16_t* target);
+/// The same with room for one a character only: false, with `target` in no particular state, when a character lies beyond
+/// the BMP.
+[[nodiscard]] bool narrowBmp(std::wstring_view text, char16_t* target);
 
-[[nodiscard]] QString toQString(const wchar_t* text, std::size_t length);
+[[nodiscard]] QString toQString(std::wstring_view text);
+/// The text behind a prefix of Latin-1 characters, in one piece of memory.
+[[nodiscard]] QString toQString(QLatin1String prefix, std::wstring_view text);
 [[nodiscard]] QString toQString(const wchar_t* text); ///< Null counts as empty.
 
 /// Characters that a text of UTF-16 units has as wide text.
@@ -24,12 +30,23 @@ namespace vruinfo::internal
 void widen(const QChar* units, std::size_t count, wchar_t* target);
 [[nodiscard]] std::wstring toWide(const QString& text);
 
-/// A wide text as QString for the time of one call, without touching the heap where it is short and within
-/// the BMP. The string must not be kept by anybody: its characters go with this object.
+/// A string over units that stand in `data`, as string literals have it: its characters are never counted and never freed.
+/// It must not be kept by anybody: its characters go with `data`. (A settings object keeps a key that it is given while no
+/// group is open; it makes its own of one that stands in a group.)
+template <int Units>
+[[nodiscard]] QString literalString(QStaticStringData<Units>& data, std::size_t count)
+{
+    new (&data.str) QArrayData Q_STATIC_STRING_DATA_HEADER_INITIALIZER(static_cast<int>(count));
+    data.data[count] = 0;
+    return QString(QStringDataPtr{data.data_ptr()});
+}
+
+/// A wide text as such a string, which stands for the time of one call; without touching the heap where it is short and
+/// within the BMP.
 class TransientString final
 {
 public:
-    TransientString(const wchar_t* text, std::size_t length);
+    explicit TransientString(std::wstring_view text);
     TransientString(const TransientString&) = delete;
     TransientString& operator=(const TransientString&) = delete;
     ~TransientString() = default;
