@@ -77,7 +77,7 @@ public:
     /// and
     ///                  kVarDouble 8 bytes, every other type is status 3
     /// \return the block with its size word set and its payload uninitialised, or null for kVarNone
-    static void* allocateValue(VarType valueType, std::int32_t size)
+    VRUINFO_API static void* allocateValue(VarType valueType, std::int32_t size)
     {
         if (size >= 1)
             return allocateBlock(static_cast<std::uint32_t>(size) + kSizeWord);
@@ -98,7 +98,7 @@ public:
     /// \param text may be null and may lie in this variant's own block
     /// \param valueType kVarString, kVarText7 and kVarText8 take the text as it is; every other tag takes the
     ///   double-terminated form: all characters but the last (at most 2001 of them), then two zeros
-    void setString(const wchar_t* text, VarType valueType)
+    VRUINFO_API void setString(const wchar_t* text, VarType valueType)
     {
         void* const former = data;
         type = valueType;

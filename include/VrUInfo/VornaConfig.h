@@ -373,6 +373,6 @@ VRUINFO_API bool getConfigPath(int capacity, char* buffer);
 /// a settings object
 VRUINFO_API bool RegDeleteKeyAndAllSubkeys(QString key);
 /// Deletes a key of the platform's registry with everything below it. \return also true when there is no such
-/// key; false for an empty or null subkey, one of 2047 characters or more, or a tree that cannot be deleted
+/// key; false for an empty or null subkey, one of 2048 characters or more, or a tree that cannot be deleted
 /// whole
 VRUINFO_API bool RegDeleteKeyAndAllSubkeys(HKEY root, wchar_t* subkey);

@@ -23,10 +23,20 @@ const wchar_t* reasonOf(IdentityText::Fault fault)
 
 } // namespace
 
+IdentityText IdentityValue::lookUp(Marks marks) const
+{
+    return IdentityText::parse(StoreGroup(toQString(m_group)).value(toQString(m_name)), marks);
+}
+
 std::optional<std::wstring> IdentityValue::read(Marks marks) const
 {
-    const QVariant stored = StoreGroup(toQString(m_group)).value(toQString(m_name));
-    const IdentityText identity = IdentityText::parse(stored, marks);
+    const IdentityText identity = lookUp(marks);
+    return identity.fault == IdentityText::Fault::None ? std::make_optional(toWide(identity.text)) : std::nullopt;
+}
+
+std::optional<std::wstring> IdentityValue::resolve(Marks marks) const
+{
+    const IdentityText identity = lookUp(marks);
     if (identity.fault == IdentityText::Fault::None)
         return toWide(identity.text);
     StartRecord::instance().passOver(place(), reasonOf(identity.fault));

@@ -99,7 +99,7 @@ void VornaConfig::takeArgumentLanguage(const wchar_t* language)
 unsigned int VornaConfig::takeRememberedLanguage()
 {
     const IdentityValue value(m_productRootPath, kCurrentVersionValue);
-    const auto recorded = isStoreThere() ? value.read(Marks::TextOnly) : std::nullopt;
+    const auto recorded = isStoreThere() ? value.resolve(Marks::TextOnly) : std::nullopt;
     if (!recorded)
         return takeIniLanguage();
     ShortName name{};

@@ -43,7 +43,7 @@ std::optional<Found> recordedProduct(const wchar_t* companyRoot)
     if (!isStoreThere())
         return std::nullopt;
     const IdentityValue value(companyRoot, kCurrentProductValue);
-    const std::optional<std::wstring> recorded = value.read(Marks::TextOnly);
+    const std::optional<std::wstring> recorded = value.resolve(Marks::TextOnly);
     if (!recorded)
         return std::nullopt;
     std::array<wchar_t, kNameCapacity> name{};

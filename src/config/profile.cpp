@@ -129,7 +129,7 @@ unsigned int VornaConfig::getCurrentProfileNameFromReg(wchar_t* name, const wcha
         return Vorn::eFailed;
     const std::lock_guard<VrLocker> lock(storeLock());
     const IdentityValue recorded(group, kProfilesValue);
-    const auto text = recorded.read(Marks::Any);
+    const auto text = recorded.resolve(Marks::Any);
     copyBounded(name, kPathCapacity, text ? text->c_str() : kDefaultProfile);
     if (!text)
         recorded.write(kDefaultProfile);

@@ -41,6 +41,11 @@ private:
     LSTATUS m_status;
 };
 
+bool isMissing(HKEY root, const wchar_t* subkey)
+{
+    return OpenKey(root, subkey).isMissing();
+}
+
 bool deleteKey(HKEY root, const wchar_t* subkey)
 {
     return RegDeleteKeyW(root, subkey) == static_cast<LSTATUS>(ERROR_SUCCESS);
@@ -65,16 +70,17 @@ void deleteChildren(const OpenKey& key, HKEY root, wchar_t (&path)[kSubkeyCapaci
     }
 }
 
-/// Makes the path end in one backslash; its length then. The buffer holds at least one character more than
-/// the path.
-std::size_t appendBackslash(wchar_t (&path)[kSubkeyCapacity])
+/// Deletes every child of a key whose path, in a buffer of its own, can take one more character.
+bool deleteAllChildren(HKEY root, const wchar_t* subkey)
 {
-    std::size_t length = std::wcslen(path);
-    if (path[length - 1] == L'\\')
-        return length;
-    path[length++] = L'\\';
-    path[length] = L'\0';
-    return length;
+    wchar_t path[kSubkeyCapacity];
+    WideWriter writer(path, kSubkeyCapacity);
+    if (!writer.append(subkey) || (path[writer.length() - 1] != L'\\' && !writer.append(L"\\")))
+        return false;
+    const OpenKey key(root, subkey);
+    if (key.isOpen())
+        deleteChildren(key, root, path, writer.length());
+    return key.isOpen();
 }
 
 } // namespace
@@ -99,17 +105,11 @@ bool RegDeleteKeyAndAllSubkeys(QString key)
 
 bool RegDeleteKeyAndAllSubkeys(HKEY root, wchar_t* subkey)
 {
-    if (isEmpty(subkey) || wcsnlen(subkey, kSubkeyCapacity) > kSubkeyCapacity - 2)
+    if (isEmpty(subkey) || wcsnlen(subkey, kSubkeyCapacity) >= kSubkeyCapacity)
         return false;
     if (deleteKey(root, subkey))
         return true;
-    wchar_t path[kSubkeyCapacity];
-    copyBounded(path, kSubkeyCapacity, subkey);
-    {
-        const OpenKey key(root, subkey);
-        if (!key.isOpen())
-            return key.isMissing();
-        deleteChildren(key, root, path, appendBackslash(path));
-    }
-    return deleteKey(root, subkey);
+    if (isMissing(root, subkey))
+        return true;
+    return deleteAllChildren(root, subkey) && deleteKey(root, subkey);
 }

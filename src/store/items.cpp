@@ -47,6 +47,11 @@ std::optional<KeyPath> itemPath(const VornaConfig& config, VornaConfig::Path roo
     return path;
 }
 
+std::optional<KeyPath> storedItemPath(const VornaConfig& config, VornaConfig::Path root, const wchar_t* subPath)
+{
+    return isStoreThere() ? itemPath(config, root, subPath) : std::nullopt;
+}
+
 std::optional<KeyPath> freePath(const wchar_t* key)
 {
     std::optional<KeyPath> path(std::in_place, trimmedPath(key));
@@ -158,8 +163,8 @@ unsigned int VornaConfig::removeValue(const wchar_t* key, const wchar_t* name)
 
 unsigned int VornaConfig::removeValue(Path root, const wchar_t* subkey, const wchar_t* name)
 {
-    const std::optional<KeyPath> item = itemPath(*this, root, subkey);
-    if (!item || !isStoreThere())
+    const std::optional<KeyPath> item = storedItemPath(*this, root, subkey);
+    if (!item)
         return Vorn::eFailed;
     StoreGroup(item->transient()).remove(toQString(name));
     return Vorn::eOk;
@@ -167,8 +172,8 @@ unsigned int VornaConfig::removeValue(Path root, const wchar_t* subkey, const wc
 
 unsigned int VornaConfig::addItem(Path root, const wchar_t* subkey)
 {
-    const std::optional<KeyPath> item = itemPath(*this, root, subkey);
-    if (!item || !isStoreThere())
+    const std::optional<KeyPath> item = storedItemPath(*this, root, subkey);
+    if (!item)
         return Vorn::eFailed;
     const StoreGroup group(item->transient());
     return Vorn::eOk;

@@ -15,6 +15,9 @@ namespace vruinfo::internal
 [[nodiscard]] bool appendRoot(const VornaConfig& config, VornaConfig::Path root, KeyPath& path);
 /// root/subPath, the sub-path trimmed first; nothing when there is no such root or it does not fit.
 [[nodiscard]] std::optional<KeyPath> itemPath(const VornaConfig& config, VornaConfig::Path root, const wchar_t* subPath);
+/// The same for operations that need the settings object: nothing also while there is none.
+[[nodiscard]] std::optional<KeyPath> storedItemPath(const VornaConfig& config, VornaConfig::Path root,
+                                                    const wchar_t* subPath);
 /// A free key path, trimmed; nothing when it is too long.
 [[nodiscard]] std::optional<KeyPath> freePath(const wchar_t* key);
 

@@ -45,7 +45,7 @@ public:
     /// The names found at the path, then the path itself, which is not counted.
     [[nodiscard]] unsigned int take(const std::optional<KeyPath>& path, QStringList (StoreGroup::*names)() const)
     {
-        if (!path || !isStoreThere())
+        if (!path)
             return Vorn::eFailed;
         const QString base = path->copy();
         m_list->append((StoreGroup(base).*names)());
@@ -62,7 +62,7 @@ private:
 
 std::optional<KeyPath> enumerable(const wchar_t* key)
 {
-    return key ? freePath(key) : std::nullopt;
+    return key && isStoreThere() ? freePath(key) : std::nullopt;
 }
 
 /// The sub-item at the position as a path of its own: below the base path, or the base path itself.
@@ -169,13 +169,13 @@ unsigned int VornaConfig::findItem(const wchar_t* key, ValueIterator& iterator)
 unsigned int VornaConfig::findItem(Path root, const wchar_t* subkey, ItemIterator& iterator)
 {
     return Snapshot(iterator.m_list, iterator.m_index, iterator.m_count)
-        .take(itemPath(*this, root, subkey), &StoreGroup::childGroups);
+        .take(storedItemPath(*this, root, subkey), &StoreGroup::childGroups);
 }
 
 unsigned int VornaConfig::findItem(Path root, const wchar_t* subkey, ValueIterator& iterator)
 {
     return Snapshot(iterator.m_list, iterator.m_index, iterator.m_count)
-        .take(itemPath(*this, root, subkey), &StoreGroup::childKeys);
+        .take(storedItemPath(*this, root, subkey), &StoreGroup::childKeys);
 }
 
 unsigned int VornaConfig::getValue(const ItemIterator& iterator, const wchar_t* name, VornVariant& out) const

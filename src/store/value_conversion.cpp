@@ -224,6 +224,16 @@ void fromStored(const QVariant& stored, VornVariant& out)
 
 using namespace vruinfo::internal;
 
+namespace
+{
+
+// The library's own copies of the inline members that it uses are part of what it exports: a module that was compiled
+// without inlining them binds to these.
+[[gnu::used]] void* (*const kAllocateValue)(VornVariant::VarType, std::int32_t) = &VornVariant::allocateValue;
+[[gnu::used]] void (VornVariant::*const kSetString)(const wchar_t*, VornVariant::VarType) = &VornVariant::setString;
+
+} // namespace
+
 void QVarToVVar(QVariant& in, VornVariant& out)
 {
     fromStored(in, out);
