@@ -1,12 +1,15 @@
 // The guard around the settings object: who holds the store lock, and which group is open.
+#include <array>
 #include <chrono>
 #include <future>
 #include <memory>
 #include <mutex>
-#include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
 #include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 
@@ -20,8 +23,8 @@ using namespace std::chrono_literals;
 namespace
 {
 
-constexpr auto kLong = 30s;   // for what must happen
-constexpr auto kShort = 50ms; // for what must not
+constexpr auto kLong = 30s;    // for what must happen
+constexpr auto kShort = 100ms; // for what must not
 
 QString q(const char* text)
 {
@@ -183,4 +186,30 @@ TEST_F(StoreGroupTest, RecursiveDeleteTakesTheLockAgain)
     const std::lock_guard<VrLocker> lock(storeLock());
     EXPECT_TRUE(RegDeleteKeyAndAllSubkeys(q("A")));
     EXPECT_EQ(settings().allKeys(), QStringList());
+}
+
+TEST(WriteBack, OfTheEventLoopWaitsForTheStoreLock)
+{
+    int argumentCount = 1;
+    std::array<char, 5> name = {'h', 'o', 's', 't', '\0'};
+    std::array<char*, 2> arguments = {name.data(), nullptr};
+    const QCoreApplication application(argumentCount, arguments.data());
+    const QTemporaryDir directory;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, directory.path());
+    vornConfig()->initRegObject(nullptr, nullptr);
+    ASSERT_NE(g_globalSettings, nullptr);
+    g_globalSettings->setValue(q("Name"), 1); // asks the event loop to write back
+
+    std::promise<void> isHeld;
+    auto wasWritten = std::async(std::launch::async, [&isHeld] {
+        const std::lock_guard<VrLocker> lock(storeLock());
+        isHeld.set_value();
+        std::this_thread::sleep_for(kShort);
+        return QFile::exists(g_globalSettings->fileName());
+    });
+    isHeld.get_future().wait();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(wasWritten.get());
+    EXPECT_TRUE(QFile::exists(g_globalSettings->fileName()));
+    vornConfig()->uinitRegObject();
 }

@@ -931,42 +931,91 @@ TEST_F(TooLongArgument, Of1023CharactersIsOnlyRefused)
 TEST_F(TooLongArgument, EndsTheProcessAlsoWhereSeparatorsWouldBeDropped)
 {
     expectEnd(run("getValue by key", kLongestArgument + 1, "////////"), "getValue by key");
-    expectEnd(run("addItem by root", kLongestArgument + 1, "\\\\\\"), "addItem by root");
+    expectEnd(run("addItem by root", kLongestArgument + 1, R"(\\\)"), "addItem by root");
+}
+
+PROBE(UseAClosedStoreWithALongArgument)
+{
+    if (InitVornConfig(nullptr, nullptr, L"en-US", nullptr) != 0)
+        return 100;
+    vornConfig()->uinitRegObject();
+    const std::wstring tooLong = wideOf(kLongestArgument + 1);
+    return vornConfig()->addItem(kRoot, tooLong.c_str()) == 7 &&
+                   vornConfig()->removeValue(kRoot, tooLong.c_str(), L"Name") == 7
+               ? 0
+               : 1;
+}
+
+TEST_F(TooLongArgument, IsNotLookedAtWithoutASettingsObject)
+{
+    const ProcessResult result = Installation::here().run("UseAClosedStoreWithALongArgument");
+    EXPECT_EQ(result.exitCode, 0) << result.err;
 }
 
 // Nothing is printed ----------------------------------------------------------------------------------------
+
+namespace
+{
+
+/// Counts the answers that are not the expected ones.
+class Answers
+{
+public:
+    void expect(unsigned int expected, unsigned int answer) { m_wrong += answer == expected ? 0 : 1; }
+    int wrong() const { return m_wrong; }
+
+private:
+    int m_wrong = 0;
+};
+
+void useByKey(const wchar_t* key, const wchar_t* name, Answers& answers)
+{
+    VornVariant value = int32Value(1);
+    answers.expect(1, vornConfig()->getValue(key, name, value));
+    answers.expect(7, vornConfig()->addValue(key, name, value));
+    answers.expect(7, vornConfig()->removeValue(key, name));
+    answers.expect(0, WriteValueToReg(key, name, value));
+}
+
+void useByRoot(const wchar_t* name, Answers& answers)
+{
+    VornVariant value = int32Value(1);
+    answers.expect(1, vornConfig()->getValue(kRoot, name, value));
+    answers.expect(5, vornConfig()->setValue(kRoot, name, value));
+    answers.expect(0, vornConfig()->addValue(kRoot, name, name, value));
+    answers.expect(0, vornConfig()->addItem(kRoot, name));
+    answers.expect(0, vornConfig()->isItemExist(kRoot, name) ? 1 : 0);
+    answers.expect(0, vornConfig()->removeValue(kRoot, name, name));
+    answers.expect(7, vornConfig()->removeItem(name, name));
+}
+
+void useByIterator(const wchar_t* name, Answers& answers)
+{
+    VornVariant value = int32Value(1);
+    VornaConfig::ItemIterator items;
+    answers.expect(0, vornConfig()->findItem(name, items));
+    answers.expect(1, vornConfig()->getValue(items, name, value));
+    answers.expect(0, vornConfig()->setValue(items, name, value));
+    VornaConfig::ValueIterator values;
+    answers.expect(1, vornConfig()->findItem(kRoot, name, values));
+}
+
+} // namespace
 
 PROBE(UseEmptyNames)
 {
     if (InitVornConfig(nullptr, nullptr, L"en-US", nullptr) != 0)
         return 100;
-    VornaConfig& config = *vornConfig();
     const std::vector<std::string> before = keysInStore();
-    VornVariant value = int32Value(1);
-    unsigned int unexpected = 0;
+    Answers answers;
     for (const wchar_t* const name : {L"", L"/", L"//"}) {
-        for (const wchar_t* const key : {L"", L"/", L"Item", L"Item/"}) {
-            unexpected += config.getValue(key, name, value) == 1 ? 0 : 1;
-            unexpected += config.addValue(key, name, value) == 7 ? 0 : 1;
-            unexpected += config.removeValue(key, name) == 7 ? 0 : 1;
-            unexpected += WriteValueToReg(key, name, value) == 0 ? 0 : 1;
-        }
-        unexpected += config.getValue(kRoot, name, value) == 1 ? 0 : 1;
-        unexpected += config.setValue(kRoot, name, value) == 5 ? 0 : 1;
-        unexpected += config.addValue(kRoot, name, name, value) == 0 ? 0 : 1;
-        unexpected += config.addItem(kRoot, name) == 0 ? 0 : 1;
-        unexpected += config.isItemExist(kRoot, name) ? 1 : 0;
-        unexpected += config.removeValue(kRoot, name, name) == 0 ? 0 : 1;
-        unexpected += config.removeItem(name, name) == 7 ? 0 : 1;
-        VornaConfig::ItemIterator items;
-        unexpected += config.findItem(name, items) == 0 ? 0 : 1;
-        unexpected += config.getValue(items, name, value) == 1 ? 0 : 1;
-        unexpected += config.setValue(items, name, value) == 0 ? 0 : 1;
-        VornaConfig::ValueIterator values;
-        unexpected += config.findItem(kRoot, name, values) == 1 ? 0 : 1;
+        for (const wchar_t* const key : {L"", L"/", L"Item", L"Item/"})
+            useByKey(key, name, answers);
+        useByRoot(name, answers);
+        useByIterator(name, answers);
     }
     std::printf("%s", keysInStore() == before ? "" : "something was written");
-    return static_cast<int>(unexpected);
+    return answers.wrong();
 }
 
 TEST(EmptyNames, ReadAsAbsentWriteNothingAndPrintNothing)

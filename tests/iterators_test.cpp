@@ -73,7 +73,7 @@ std::wstring nameAt(const ValueIterator& iterator)
     std::wstring buffer(kCapacity, L'\0'); // cleared, as no terminator is written
     int length = static_cast<int>(kCapacity);
     const unsigned int status = iterator.key(buffer.data(), length);
-    return status == 0 ? std::wstring(buffer.c_str()) : L"(" + std::to_wstring(status) + L")";
+    return status == 0 ? untilTerminator(buffer) : L"(" + std::to_wstring(status) + L")";
 }
 
 /// Every name that a loop sees that uses the position and then steps.

@@ -64,7 +64,7 @@ std::set<std::wstring> namesOf(const Iterator& iterator, unsigned int (Iterator:
     std::wstring buffer(kCapacity, L'\0');
     int length = static_cast<int>(kCapacity);
     while ((iterator.*name)(buffer.data(), length) == 0 && iterator.step() == 0) {
-        names.insert(buffer.c_str());
+        names.insert(untilTerminator(buffer));
         buffer.assign(kCapacity, L'\0');
         length = static_cast<int>(kCapacity);
     }
@@ -98,7 +98,7 @@ public:
     {
         std::map<std::string, std::string> expected;
         for (const auto& [path, number] : m_expected)
-            expected[utf8(kSettings + L"/" + path)] = "1$" + std::to_string(number);
+            expected[utf8(kSettings) + "/" + utf8(path)] = "1$" + std::to_string(number);
         return expected;
     }
 
@@ -106,6 +106,7 @@ private:
     std::size_t pick(std::size_t count) { return m_random() % count; }
     std::wstring anyItem() { return m_item + L"/Item" + std::to_wstring(pick(4)); }
     std::wstring anyName() { return L"Name" + std::to_wstring(m_number) + L"-" + std::to_wstring(pick(5)); }
+    std::wstring anyPath() { return anyItem().append(L"/").append(anyName()); }
     std::int32_t newNumber() { return m_number * 1000000 + ++m_written; }
     bool isThere(const std::wstring& path) const { return m_expected.count(path) != 0; }
 
@@ -125,14 +126,14 @@ private:
 
     void write()
     {
-        const std::wstring path = anyItem() + L"/" + anyName();
+        const std::wstring path = anyPath();
         const std::int32_t number = newNumber();
         expect(vornConfig()->setValue(kRoot, path.c_str(), int32Value(number)) == 0, L"could not write", path);
         m_expected[path] = number;
     }
     void read()
     {
-        const std::wstring path = anyItem() + L"/" + anyName();
+        const std::wstring path = anyPath();
         VornVariant value;
         const unsigned int status = vornConfig()->getValue(kRoot, path.c_str(), value);
         expectValue(status, value, path);
@@ -198,7 +199,7 @@ private:
         std::wstring name(kCapacity, L'\0');
         int length = static_cast<int>(kCapacity);
         expect(iterator.key(name.data(), length) == 0, L"no first name in", item);
-        const std::wstring path = item + L"/" + name.c_str();
+        const std::wstring path = item + L"/" + untilTerminator(name);
         VornVariant value;
         const unsigned int status = iterator.value(value);
         expectValue(status, value, path);
@@ -242,6 +243,7 @@ void runInThreads(const std::function<void(int)>& function)
 {
     std::atomic<int> ready{0};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&ready, &function, i] {
             ++ready;
@@ -369,7 +371,7 @@ TEST_F(StoreThreads, TestAndReplaceIsOneStep)
     Complaints complaints;
     const std::wstring item = kSettings + L"/Shared";
     runInThreads([&complaints, &item](int thread) {
-        for (int i = 0; i < kRounds / 10; ++i) {
+        for (int i = 0; i < kRounds; ++i) {
             if (thread != 0) {
                 config().addValue(item.c_str(), L"Value", int32Value(thread));
                 continue;

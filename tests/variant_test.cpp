@@ -43,7 +43,7 @@ std::unique_ptr<VrErrorStatus> raisedBy(const Action& action)
 {
     try {
         action();
-    } catch (VrErrorStatus* error) {
+    } catch (VrErrorStatus* error) { // NOLINT(misc-throw-by-value-catch-by-reference) it is thrown so
         return std::unique_ptr<VrErrorStatus>(error);
     }
     return nullptr;

@@ -271,6 +271,7 @@ private:
     VRUINFO_LOCAL unsigned int readIniPiece(const wchar_t* section, const wchar_t* key, wchar_t* text);
     VRUINFO_LOCAL void adoptIfInstalled(const wchar_t* shortName, VornOrigin origin, const std::wstring& place);
     VRUINFO_LOCAL void takeInstalledLanguage();
+    VRUINFO_LOCAL void takeLanguage(const VornaLanguage& language);
     VRUINFO_LOCAL bool hasCurrentLanguage(const wchar_t* release) const;
     VRUINFO_LOCAL unsigned int readIniText(const wchar_t* section, const wchar_t* key, VornVariant& value,
                                            const wchar_t* fileName);

@@ -10,6 +10,7 @@
 #include "config/identity_value.h"
 #include "config/start_record.h"
 #include "place/program_place.h"
+#include "store/root_cache.h"
 #include "store/store_group.h"
 #include "text/owned_text.h"
 #include "text/wide_buffer.h"
@@ -143,8 +144,14 @@ void VornaConfig::adoptIfInstalled(const wchar_t* shortName, VornOrigin origin, 
         StartRecord::instance().passOver(source, L"its folder is missing, not readable, or holds no *.so");
         return;
     }
-    m_language = language;
+    takeLanguage(language);
     StartRecord::instance().take(L"language", m_language.shortName(), origin, place);
+}
+
+void VornaConfig::takeLanguage(const VornaLanguage& language)
+{
+    m_language = language;
+    RootCache::instance().identityChanged();
 }
 
 void VornaConfig::takeInstalledLanguage()
@@ -154,7 +161,7 @@ void VornaConfig::takeInstalledLanguage()
         endWithMessage(kNoneInstalledText, productName());
     if (!userAccepts(installed, productName()))
         ExitProcess(kFailureExitCode);
-    m_language = installed;
+    takeLanguage(installed);
     StartRecord::instance().take(L"language", m_language.shortName(), VornOrigin::Asked);
 }
 

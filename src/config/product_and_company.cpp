@@ -9,6 +9,7 @@
 #include "config/identity_names.h"
 #include "config/identity_value.h"
 #include "config/start_record.h"
+#include "store/root_cache.h"
 #include "store/store_group.h"
 #include "text/owned_text.h"
 #include "text/wide_buffer.h"
@@ -78,6 +79,7 @@ unsigned int VornaConfig::buildRootPathFromCompany()
 {
     if (isEmpty(m_companyName) || std::wcslen(m_companyName) > kLongestCompanyForRoot)
         return Vorn::eFailed;
+    RootCache::instance().identityChanged();
     replaceText(m_companyRootPath, makeTextBuffer(kPathCapacity));
     WideWriter root(m_companyRootPath, kPathCapacity);
     return root.append(kTopItem) && root.appendComponent(m_companyName) ? Vorn::eOk : Vorn::eFailed;
@@ -118,6 +120,7 @@ unsigned int VornaConfig::buildRootPathFromProduct()
     const std::size_t product = std::wcslen(m_productName);
     if (std::wcslen(m_companyRootPath) + product + std::wcslen(version()) + 2 > kLongestRoot)
         return Vorn::eFailed;
+    RootCache::instance().identityChanged();
     std::wcscat(m_companyRootPath, L"/");
     std::wcscat(m_companyRootPath, m_productName);
     replaceText(m_productRootPath, makeTextBuffer(kPathCapacity));

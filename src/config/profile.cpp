@@ -12,6 +12,7 @@
 #include "config/identity_value.h"
 #include "config/start_record.h"
 #include "place/program_place.h"
+#include "store/root_cache.h"
 #include "store/store_group.h"
 #include "text/owned_text.h"
 #include "text/wide_buffer.h"
@@ -98,6 +99,7 @@ unsigned int VornaConfig::initProfileNamePart(const wchar_t* profile)
         return Vorn::eFailed;
     const std::lock_guard<VrLocker> lock(storeLock());
     m_profileName.store(keptProfileName(profile), std::memory_order_release);
+    RootCache::instance().identityChanged();
     const IdentityValue recorded(group.data(), kProfilesValue);
     if (const auto text = recorded.read(Marks::TextOnly)) {
         std::array<wchar_t, kPathCapacity> stored{};

@@ -70,11 +70,9 @@ unsigned int writeFolder(UserFolder folder, FolderLevel level, wchar_t* buffer)
 {
     if (level == FolderLevel::Base)
         return writeBase(folder, buffer);
-    const wchar_t* const component = componentOf(level);
-    if (isEmpty(component))
-        return 0;
     const unsigned int length = writeFolder(folder, above(level), buffer);
-    return length == 0 ? 0 : appendComponent(buffer, length, component);
+    const wchar_t* const component = componentOf(level);
+    return length == 0 || isEmpty(component) ? 0 : appendComponent(buffer, length, component);
 }
 
 } // namespace vruinfo::internal

@@ -65,6 +65,18 @@ KeyPath::KeyPath(const KeyPath& other) : m_unitCount(other.m_unitCount), m_lengt
     std::copy_n(other.m_units.data, m_unitCount, m_units.data);
 }
 
+void KeyPath::assign(std::u16string_view units, std::size_t characters)
+{
+    units.copy(reinterpret_cast<char16_t*>(m_units.data), units.size());
+    m_unitCount = units.size();
+    m_length = characters;
+}
+
+std::u16string_view KeyPath::units() const
+{
+    return {reinterpret_cast<const char16_t*>(m_units.data), m_unitCount};
+}
+
 bool KeyPath::append(std::wstring_view text)
 {
     if (text.size() >= kPathCapacity - m_length)
@@ -93,7 +105,8 @@ bool KeyPath::join(std::wstring_view subPath, Slack slack)
     const std::size_t before = m_unitCount;
     if (!appendComponent(subPath))
         return false;
-    replaceBackslashes(before);
+    if (subPath.find(L'\\') != std::wstring_view::npos)
+        replaceBackslashes(before);
     return true;
 }
 
@@ -104,13 +117,13 @@ QString KeyPath::transient() const
 
 QString KeyPath::copy() const
 {
-    return QString(units(), static_cast<int>(m_unitCount));
+    return QString(reinterpret_cast<const QChar*>(m_units.data), static_cast<int>(m_unitCount));
 }
 
 void KeyPath::replaceBackslashes(std::size_t from)
 {
-    char16_t* const begin = reinterpret_cast<char16_t*>(m_units.data);
-    std::replace(begin + from, begin + m_unitCount, u'\\', u'/');
+    auto* const units = reinterpret_cast<char16_t*>(m_units.data);
+    std::replace(units + from, units + m_unitCount, u'\\', u'/');
 }
 
 } // namespace vruinfo::internal

@@ -48,6 +48,9 @@ public:
     /// Whether the path may stand alone as a free key path.
     [[nodiscard]] bool fitsAlone() const { return m_length + 1 <= kLongest; }
 
+    /// Takes over a path's units, and the characters that they stand for.
+    void assign(std::u16string_view units, std::size_t characters);
+    [[nodiscard]] std::u16string_view units() const;
     /// Appends the text as it stands; false, with the path as it was, when it would not fit a path buffer.
     [[nodiscard]] bool append(std::wstring_view text);
     /// The same with "/" before the text.
@@ -66,7 +69,6 @@ public:
 private:
     static constexpr int kUnits = 2 * static_cast<int>(kPathCapacity); // a character has at most two
 
-    [[nodiscard]] const QChar* units() const { return reinterpret_cast<const QChar*>(m_units.data); }
     [[nodiscard]] char16_t* end() { return reinterpret_cast<char16_t*>(m_units.data) + m_unitCount; }
     void replaceBackslashes(std::size_t from);
 

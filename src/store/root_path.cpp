@@ -4,6 +4,7 @@
 #include "VrUInfo/RootKeys.h"
 #include "VrUInfo/VornaConfig.h"
 #include "store/items.h"
+#include "store/root_cache.h"
 #include "store/value_conversion.h"
 #include "text/owned_text.h"
 #include "text/wide_buffer.h"
@@ -109,7 +110,18 @@ struct RootBuilder {
 
 bool appendRoot(const VornaConfig& config, VornaConfig::Path root, KeyPath& path)
 {
-    return RootBuilder::build(config, root, path) && !path.isEmpty();
+    if (root > VornaConfig::UserConfigRoot)
+        return false;
+    RootCache& cache = RootCache::instance();
+    if (const RootText* const known = cache.find(root)) {
+        path.assign(known->units, known->characters);
+        return true;
+    }
+    const RootCache::Generation generation = cache.generation();
+    if (!RootBuilder::build(config, root, path) || path.isEmpty())
+        return false;
+    cache.keep(root, {std::u16string(path.units()), path.length()}, generation);
+    return true;
 }
 
 } // namespace vruinfo::internal

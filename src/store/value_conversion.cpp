@@ -31,6 +31,17 @@ void renewBlock(VornVariant& value, VornVariant::VarType type, std::int32_t payl
     value.data = VornVariant::allocateValue(type, payloadBytes);
 }
 
+/// A new kVarString block for a text of that length, with its terminator; the place for the characters.
+wchar_t* renewText(VornVariant& value, std::size_t length)
+{
+    const std::size_t bytes = (length + 1) * sizeof(wchar_t);
+    const bool fits = bytes <= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+    renewBlock(value, VornVariant::kVarString, fits ? static_cast<std::int32_t>(bytes) : 0);
+    auto* const text = reinterpret_cast<wchar_t*>(mutablePayload(value));
+    text[length] = L'\0';
+    return text;
+}
+
 template <typename Number>
 void setNumber(VornVariant& value, VornVariant::VarType type, Number number)
 {
@@ -144,13 +155,13 @@ void setInt32(VornVariant& value, std::int32_t number)
 
 void setText(VornVariant& value, const QChar* units, std::size_t count)
 {
+    wchar_t* text = renewText(value, count);
+    if (widenBmp(units, count, text))
+        return;
     const std::size_t length = wideLength(units, count);
-    const std::size_t bytes = (length + 1) * sizeof(wchar_t);
-    const bool fits = bytes <= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
-    renewBlock(value, VornVariant::kVarString, fits ? static_cast<std::int32_t>(bytes) : 0);
-    auto* const text = reinterpret_cast<wchar_t*>(mutablePayload(value));
+    if (length != count)
+        text = renewText(value, length);
     widen(units, count, text);
-    text[length] = L'\0';
 }
 
 const wchar_t* textOf(const VornVariant& value)

@@ -38,27 +38,6 @@ std::size_t narrowPairs(std::wstring_view text, char16_t* target)
     return units;
 }
 
-#if defined(__SSE2__)
-constexpr std::size_t kRound = 8; // characters
-
-/// Narrows eight characters; false when one of them lies beyond the BMP.
-bool narrowRound(const wchar_t* text, char16_t* target)
-{
-    const __m128i zero = _mm_setzero_si128();
-    __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
-    __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + 4));
-    const __m128i upper = _mm_srli_epi32(_mm_or_si128(low, high), 16);
-    if (_mm_movemask_epi8(_mm_cmpeq_epi32(upper, zero)) != 0xFFFF)
-        return false;
-    // Signed saturation would clip 0x8000 and above: sign-extend the lower halves first.
-    low = _mm_srai_epi32(_mm_slli_epi32(low, 16), 16);
-    high = _mm_srai_epi32(_mm_slli_epi32(high, 16), 16);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm_packs_epi32(low, high));
-    return true;
-}
-
-#endif
-
 bool narrowOneByOne(const wchar_t* text, std::size_t length, char16_t* target)
 {
     for (std::size_t i = 0; i < length; ++i) {
@@ -71,12 +50,42 @@ bool narrowOneByOne(const wchar_t* text, std::size_t length, char16_t* target)
 }
 
 #if defined(__SSE2__)
+constexpr std::size_t kHalfRound = 4; // characters in a register
+
+__m128i loadFour(const wchar_t* text)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+}
+
+bool isWithinBmp(__m128i characters)
+{
+    const __m128i upper = _mm_srli_epi32(characters, 16);
+    return _mm_movemask_epi8(_mm_cmpeq_epi32(upper, _mm_setzero_si128())) == 0xFFFF;
+}
+
+/// Sign-extends the lower halves, so that the signed packing that follows does not clip 0x8000 and above.
+__m128i forPacking(__m128i characters)
+{
+    return _mm_srai_epi32(_mm_slli_epi32(characters, 16), 16);
+}
+
 bool narrowAll(const wchar_t* text, std::size_t length, char16_t* target)
 {
     std::size_t i = 0;
-    for (; i + kRound <= length; i += kRound) {
-        if (!narrowRound(text + i, target + i))
+    for (; i + 2 * kHalfRound <= length; i += 2 * kHalfRound) {
+        const __m128i low = loadFour(text + i);
+        const __m128i high = loadFour(text + i + kHalfRound);
+        if (!isWithinBmp(_mm_or_si128(low, high)))
             return false;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(target + i), _mm_packs_epi32(forPacking(low), forPacking(high)));
+    }
+    if (i + kHalfRound <= length) {
+        const __m128i four = loadFour(text + i);
+        if (!isWithinBmp(four))
+            return false;
+        const __m128i packed = _mm_packs_epi32(forPacking(four), forPacking(four));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(target + i), packed);
+        i += kHalfRound;
     }
     return narrowOneByOne(text + i, length - i, target + i);
 }
@@ -134,6 +143,17 @@ std::size_t wideLength(const QChar* units, std::size_t count)
     for (std::size_t i = 0; i + 1 < count; ++i)
         pairs += beginsPair(units, count, i) ? 1 : 0;
     return count - pairs;
+}
+
+bool widenBmp(const QChar* units, std::size_t count, wchar_t* target)
+{
+    const auto* const from = reinterpret_cast<const ushort*>(units);
+    unsigned int halves = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        halves |= (from[i] & 0xF800U) == 0xD800U ? 1U : 0U;
+        target[i] = from[i];
+    }
+    return halves == 0;
 }
 
 void widen(const QChar* units, std::size_t count, wchar_t* target)

@@ -26,6 +26,8 @@ namespace vruinfo::internal
 
 /// Characters that a text of UTF-16 units has as wide text.
 [[nodiscard]] std::size_t wideLength(const QChar* units, std::size_t count);
+/// Writes a character a unit; false, with `target` in no particular state, when a unit is half of a pair.
+[[nodiscard]] bool widenBmp(const QChar* units, std::size_t count, wchar_t* target);
 /// Writes that many characters, without a terminator.
 void widen(const QChar* units, std::size_t count, wchar_t* target);
 [[nodiscard]] std::wstring toWide(const QString& text);

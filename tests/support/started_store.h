@@ -41,6 +41,12 @@ private:
     std::wstring m_text;
 };
 
+/// A text that was written into a longer string: as far as its terminator.
+inline std::wstring untilTerminator(const std::wstring& buffer)
+{
+    return buffer.substr(0, buffer.find(L'\0'));
+}
+
 /// Starts the library in this process with all defaults; 0 when it did.
 inline unsigned int start(const wchar_t* profile = nullptr)
 {
