@@ -1,5 +1,5 @@
-// Stages a program directory and a home in a temporary directory and starts the program there again, so that a benchmark
-// runs in a real installation. The directory goes when the benchmark is done.
+// Stages a program directory and a home in a temporary directory and starts the program there again, so that a
+// benchmark runs in a real installation. The directory goes when the benchmark is done.
 #pragma once
 
 #include <string>

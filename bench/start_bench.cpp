@@ -1,7 +1,7 @@
 // What a start of the library costs beside the bare opening of the same settings file and one first read.
 //
-// Each measurement is taken in a fresh process, inside it: from before the call to after it. The two kinds take turns. The
-// store holds as many values as the first argument says (1000).
+// Each measurement is taken in a fresh process, inside it: from before the call to after it. The two kinds take turns.
+// The store holds as many values as the first argument says (1000).
 //
 //   start_bench [values] [rounds]
 #include <algorithm>
@@ -84,7 +84,8 @@ void fillStore(int values)
     settings.beginGroup(QStringLiteral("Software/HALVIK/VORNA/2026"));
     settings.setValue(QStringLiteral("CurVer"), QStringLiteral("5$en-US"));
     for (int i = 0; i < values; ++i)
-        settings.setValue(QStringLiteral("en-US/Settings/Item%1/Value%2").arg(i / 100).arg(i % 100), QStringLiteral("1$42"));
+        settings.setValue(QStringLiteral("en-US/Settings/Item%1/Value%2").arg(i / 100).arg(i % 100),
+                          QStringLiteral("1$42"));
     settings.endGroup();
 }
 

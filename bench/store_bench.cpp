@@ -1,7 +1,7 @@
 // What the exported store functions cost beside the same work done on a QSettings object with ready QStrings.
 //
-// Both sides work on the one settings object of the process, on the same items, in one run. `ours` takes wide strings, builds
-// the root path, locks and converts the value; `direct` does beginGroup, value or setValue, endGroup.
+// Both sides work on the one settings object of the process, on the same items, in one run. `ours` takes wide strings,
+// builds the root path, locks and converts the value; `direct` does beginGroup, value or setValue, endGroup.
 //
 //   store_bench --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
 //
@@ -112,7 +112,8 @@ void missOurs(benchmark::State& state)
     filled(static_cast<int>(state.range(0)));
     VornVariant value;
     for (auto _ : state) {
-        if (vornConfig()->getValue(VornaConfig::SettingsRoot, L"Drawing/Nowhere/Item0/Value0", value) != Vorn::eNotFound)
+        if (vornConfig()->getValue(VornaConfig::SettingsRoot, L"Drawing/Nowhere/Item0/Value0", value) !=
+            Vorn::eNotFound)
             fail("a value is there that should not be");
     }
 }

@@ -121,5 +121,8 @@ macro(_vr_resource_target_properties)
         AUTOUIC OFF
         AUTORCC OFF
         LINK_DEPENDS "${version_script}")
-    target_link_options(${target} PRIVATE "LINKER:--version-script=${version_script}")
+    # Data with one initialiser: neither exceptions nor segments of their own for code, so that loading it is quick.
+    target_compile_options(${target} PRIVATE -fno-exceptions)
+    target_link_options(${target} PRIVATE
+        "LINKER:--version-script=${version_script}" LINKER:--as-needed LINKER:-z,noseparate-code)
 endmacro()

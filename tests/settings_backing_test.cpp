@@ -3,7 +3,9 @@
 #include <csignal>
 #include <limits>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QSettings>
+#include <QtCore/QTimer>
 
 #include <gtest/gtest.h>
 
@@ -55,6 +57,20 @@ PROBE(startAndWrite)
     value.setString(L"new", VornVariant::kVarString);
     std::cout << status << vornConfig()->setValue(VornaConfig::VersionRoot, L"New", value) << "\n";
     return 0;
+}
+
+/// Starts, writes a value, and gives an event loop the time to write it back.
+PROBE(writeInEventLoop)
+{
+    const char* const name = "host";
+    int count = 1;
+    QCoreApplication application(count, const_cast<char**>(&name));
+    startWith({"-", "-", "en-US"});
+    VornVariant value;
+    value.setString(L"new", VornVariant::kVarString);
+    vornConfig()->setValue(VornaConfig::VersionRoot, L"New", value);
+    QTimer::singleShot(200, &application, &QCoreApplication::quit);
+    return QCoreApplication::exec();
 }
 
 namespace
@@ -222,6 +238,27 @@ TEST_F(BackingTest, LockThatCannotBeRemovedIsIgnored)
     ASSERT_NE(g_globalSettings, nullptr);
     EXPECT_EQ(g_globalSettings->value(QStringLiteral("Some/Value")).toString(), QStringLiteral("5$kept"));
     EXPECT_TRUE(fs::exists(inTheWay));
+}
+
+TEST_F(BackingTest, LockThatCannotBeRemovedDoesNotHoldTheEndOfTheProcessUp)
+{
+    m_here.installLanguage("en-US");
+    m_here.writeSetting("Some/Value", "5$kept");
+    const std::string before = readFile(m_here.settingsFile());
+    writeFile(m_here.settingsFile().string() + ".lock/file", "");
+    const ProcessResult result = m_here.run("startAndWrite");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "00\n");
+    EXPECT_EQ(readFile(m_here.settingsFile()), before);
+}
+
+TEST_F(BackingTest, LockThatCannotBeRemovedDoesNotHoldAnEventLoopUp)
+{
+    m_here.installLanguage("en-US");
+    writeFile(m_here.settingsFile().string() + ".lock/file", "");
+    const ProcessResult result = m_here.run("writeInEventLoop");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_FALSE(fs::exists(m_here.settingsFile()));
 }
 
 TEST_F(BackingTest, LockFileLeftBehindDoesNotKeepValuesFromBeingWritten)

@@ -42,10 +42,10 @@ public:
         kVarText8 = 8   ///< Wide text; the store neither writes nor reads it.
     };
 
-    VarType type; ///< What it holds.
-    void* data;   ///< The block, at its size word; null when there is none. Owned.
+    VarType type = kVarNone; ///< What it holds.
+    void* data = nullptr;    ///< The block, at its size word; null when there is none. Owned.
 
-    VornVariant() noexcept : type(kVarNone), data(nullptr) {}
+    VornVariant() noexcept = default;
     VornVariant(const VornVariant& other) : type(other.type), data(duplicate(other.data)) {}
     VornVariant(VornVariant&& other) noexcept : type(other.type), data(other.data)
     {

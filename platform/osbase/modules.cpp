@@ -84,7 +84,9 @@ ModulePin findModule(const std::string& name)
 std::wstring modulePath(void* module)
 {
     if (module == mainModule()) {
-        return wideText(executablePath());
+        // Where it was when it was first asked for: a running program does not move, and this is asked often.
+        static const std::wstring kExecutable = wideText(executablePath());
+        return kExecutable;
     }
     return wideText(absoluteLibraryPath(loaderPath(module)));
 }

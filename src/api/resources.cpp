@@ -67,7 +67,7 @@ HMODULE loadFromLanguageDirectory(const wchar_t* fileName, Load load)
 
 bool isLoadedOrLoads(const wchar_t* path)
 {
-    return GetModuleHandleW(path) || LoadLibraryExW(path, nullptr, 0);
+    return GetModuleHandleW(path) || (isThere(path) && LoadLibraryExW(path, nullptr, 0));
 }
 
 /// Looks for the partner's library beside the language's and, when it loads, records its path in the current

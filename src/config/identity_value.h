@@ -18,7 +18,8 @@ public:
 
     /// Its text, if there is one to take.
     [[nodiscard]] std::optional<std::wstring> read(Marks marks) const;
-    /// The same for a step that looks for a piece of the identity here: when there is none, the start record is told why.
+    /// The same for a step that looks for a piece of the identity here: when there is none, the start record is told
+    /// why.
     [[nodiscard]] std::optional<std::wstring> resolve(Marks marks) const;
     /// Writes mark 5 and the text.
     void write(const wchar_t* text) const;

@@ -4,9 +4,6 @@
 
 #include <array>
 
-#include <QtCore/QSettings>
-#include <QtGui/QIcon>
-
 #include "VrUInfo/Resources.h"
 #include "config/identity_names.h"
 #include "config/start_record.h"
@@ -96,16 +93,6 @@ unsigned int VornaConfig::verifyResourcePath()
     path[length] = L'/';
     std::wcscpy(path.data() + length + 1, kLanguageLibrary);
     return isReadable(path.data()) ? Vorn::eOk : Vorn::eMissing;
-}
-
-void VornaConfig::uinitRegObject()
-{
-    delete g_globalSettings;
-    g_globalSettings = nullptr;
-    delete m_largeIcon;
-    m_largeIcon = nullptr;
-    delete m_smallIcon;
-    m_smallIcon = nullptr;
 }
 
 const VornaLanguage& VornaConfig::language() const

@@ -3,10 +3,12 @@
 #include <array>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include <QtCore/QEvent>
 #include <QtCore/QFile>
 #include <QtCore/QSettings>
+#include <QtGui/QIcon>
 
 #include "VrUInfo/VornaConfig.h"
 #include "config/identity_names.h"
@@ -19,20 +21,47 @@ using namespace vruinfo::internal;
 namespace
 {
 
-/// Writes itself back, from the event loop, under the store lock: threads that work on the store meanwhile
-/// wait, as they do for each other.
-class LockedSettings final : public QSettings
+/// The settings object with two manners of its own. It writes itself back, from the event loop, under the store lock:
+/// threads that work on the store meanwhile wait, as they do for each other. And it writes nothing back while a lock
+/// file stands that was found at the beginning and could not be removed: the settings library would wait for its holder
+/// without end.
+class BackingSettings final : public QSettings
 {
 public:
     using QSettings::QSettings;
 
+    /// A lock file found now was left behind: opening does not lock, and whoever still writes makes a new one.
+    void removeLeftLock()
+    {
+        const QString lock = fileName() + QStringLiteral(".lock");
+        if (!QFile::remove(lock) && QFile::exists(lock))
+            m_leftLock = lock;
+    }
+    [[nodiscard]] bool isLockedOut() const { return !m_leftLock.isEmpty() && QFile::exists(m_leftLock); }
+
 protected:
     bool event(QEvent* event) override
     {
+        if (event->type() == QEvent::UpdateRequest && isLockedOut())
+            return true;
         const std::lock_guard<VrLocker> lock(storeLock());
         return QSettings::event(event);
     }
+
+private:
+    QString m_leftLock;
 };
+
+/// Deleting writes back; an object that may not do that is left alone instead, until the process is gone.
+void close(QSettings* settings)
+{
+    static auto* const kLeftAlone = new std::vector<const QSettings*>;
+    const auto* const backing = dynamic_cast<BackingSettings*>(settings);
+    if (backing && backing->isLockedOut())
+        kLeftAlone->push_back(settings);
+    else
+        delete settings;
+}
 
 QString iniText(VornaConfig& config, const wchar_t* key, const wchar_t* fallback)
 {
@@ -57,10 +86,19 @@ void VornaConfig::initRegObject(const wchar_t* company, const wchar_t* product)
     const QString version = iniText(*this, kVersionKey, kRelease);
     const QString organisation = companyName + QLatin1Char('/') + productName + QLatin1Char('/') + version;
     auto settings =
-        std::make_unique<LockedSettings>(QSettings::NativeFormat, QSettings::UserScope, organisation, productName);
-    // A lock file found now was left behind: opening does not lock, and whoever still writes makes a new one.
-    QFile::remove(settings->fileName() + QStringLiteral(".lock"));
+        std::make_unique<BackingSettings>(QSettings::NativeFormat, QSettings::UserScope, organisation, productName);
+    settings->removeLeftLock();
     g_globalSettings = settings.release();
+}
+
+void VornaConfig::uinitRegObject()
+{
+    close(g_globalSettings);
+    g_globalSettings = nullptr;
+    delete m_largeIcon;
+    m_largeIcon = nullptr;
+    delete m_smallIcon;
+    m_smallIcon = nullptr;
 }
 
 bool getConfigPath(int capacity, char* buffer)

@@ -14,7 +14,8 @@ namespace vruinfo::internal
 /// Writes a root into an empty path; false when there is no such root.
 [[nodiscard]] bool appendRoot(const VornaConfig& config, VornaConfig::Path root, KeyPath& path);
 /// root/subPath, the sub-path trimmed first; nothing when there is no such root or it does not fit.
-[[nodiscard]] std::optional<KeyPath> itemPath(const VornaConfig& config, VornaConfig::Path root, const wchar_t* subPath);
+[[nodiscard]] std::optional<KeyPath> itemPath(const VornaConfig& config, VornaConfig::Path root,
+                                              const wchar_t* subPath);
 /// The same for operations that need the settings object: nothing also while there is none.
 [[nodiscard]] std::optional<KeyPath> storedItemPath(const VornaConfig& config, VornaConfig::Path root,
                                                     const wchar_t* subPath);
@@ -25,7 +26,8 @@ namespace vruinfo::internal
 using ValueName = std::optional<std::wstring_view>;
 [[nodiscard]] ValueName valueName(const wchar_t* name);
 
-/// Writes a value; the group is a transient or a lasting string. \return eOk; eMissing without a name or settings object
+/// Writes a value; the group is a transient or a lasting string. \return eOk; eMissing without a name or settings
+/// object
 [[nodiscard]] unsigned int writeValue(const QString& group, ValueName name, const VornVariant& value);
 /// Reads a value under the store lock; the settings object must be there. \return eOk or eNotFound
 [[nodiscard]] unsigned int readValue(const QString& group, const QString& name, VornVariant& out);

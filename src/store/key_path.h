@@ -18,7 +18,7 @@ namespace vruinfo::internal
 
 /// An argument that names a value below an item, split at its last separator.
 struct ValuePath {
-    std::wstring_view item;               ///< Before it; empty where there is none.
+    std::wstring_view item;                ///< Before it; empty where there is none.
     std::optional<std::wstring_view> name; ///< Behind it; nothing for an argument without a name.
 
     [[nodiscard]] static ValuePath split(const wchar_t* text);
@@ -26,8 +26,8 @@ struct ValuePath {
     [[nodiscard]] std::wstring_view trimmedItem() const;
 };
 
-/// A path as the settings object takes it (UTF-16), bounded in characters of the wide text that it was made of. Pure text:
-/// knows neither the settings object nor any root. No heap; not zeroed beyond its length.
+/// A path as the settings object takes it (UTF-16), bounded in characters of the wide text that it was made of. Pure
+/// text: knows neither the settings object nor any root. No heap; not zeroed beyond its length.
 class KeyPath final
 {
 public:
@@ -55,8 +55,8 @@ public:
     [[nodiscard]] bool append(std::wstring_view text);
     /// The same with "/" before the text.
     [[nodiscard]] bool appendComponent(std::wstring_view text);
-    /// Appends "/" and a sub-path, with "/" for each backslash of it; false, with the path as it was, when the sum with the
-    /// slack passes kLongest. An empty sub-path appends nothing, and fits.
+    /// Appends "/" and a sub-path, with "/" for each backslash of it; false, with the path as it was, when the sum with
+    /// the slack passes kLongest. An empty sub-path appends nothing, and fits.
     [[nodiscard]] bool join(std::wstring_view subPath, Slack slack = Slack::One);
     /// From here on the backslashes in the whole path are separators.
     void replaceBackslashes() { replaceBackslashes(0); }

@@ -21,12 +21,13 @@ struct RootText {
     bool operator<(const RootText& other) const { return units < other.units; }
 };
 
-/// Shared by all threads. A text handed out stays valid until the process ends, also when the identity changes: the texts
-/// that ever were are kept, each once.
+/// Shared by all threads. A text handed out stays valid until the process ends, also when the identity changes: the
+/// texts that ever were are kept, each once.
 class RootCache final
 {
 public:
-    /// Counts the changes of the identity; taken before a root is built, so that one built from a former identity is not kept.
+    /// Counts the changes of the identity; taken before a root is built, so that one built from a former identity is
+    /// not kept.
     using Generation = unsigned int;
 
     [[nodiscard]] static RootCache& instance();

@@ -15,8 +15,8 @@ namespace vruinfo::internal
 
 /// Writes the text's units to `target`, which must have room for two a character. \return how many were written
 [[nodiscard]] std::size_t narrow(std::wstring_view text, char16_t* target);
-/// The same with room for one a character only: false, with `target` in no particular state, when a character lies beyond
-/// the BMP.
+/// The same with room for one a character only: false, with `target` in no particular state, when a character lies
+/// beyond the BMP.
 [[nodiscard]] bool narrowBmp(std::wstring_view text, char16_t* target);
 
 [[nodiscard]] QString toQString(std::wstring_view text);
@@ -32,9 +32,9 @@ namespace vruinfo::internal
 void widen(const QChar* units, std::size_t count, wchar_t* target);
 [[nodiscard]] std::wstring toWide(const QString& text);
 
-/// A string over units that stand in `data`, as string literals have it: its characters are never counted and never freed.
-/// It must not be kept by anybody: its characters go with `data`. (A settings object keeps a key that it is given while no
-/// group is open; it makes its own of one that stands in a group.)
+/// A string over units that stand in `data`, as string literals have it: its characters are never counted and never
+/// freed. It must not be kept by anybody: its characters go with `data`. (A settings object keeps a key that it is
+/// given while no group is open; it makes its own of one that stands in a group.)
 template <int Units>
 [[nodiscard]] QString literalString(QStaticStringData<Units>& data, std::size_t count)
 {

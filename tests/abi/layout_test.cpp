@@ -16,11 +16,11 @@ struct VornaLayout {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
     static constexpr std::size_t kConfig[] = {
-        offsetof(Config, m_productName),     offsetof(Config, m_companyName),   offsetof(Config, m_profileName),
-        offsetof(Config, m_language),        offsetof(Config, m_companyRootPath), offsetof(Config, m_productRootPath),
-        offsetof(Config, m_initialized),     offsetof(Config, m_oemProductName), offsetof(Config, m_oemCompanyName),
-        offsetof(Config, m_oemCompanyLtdName), offsetof(Config, m_largeIcon),   offsetof(Config, m_smallIcon),
-        offsetof(Config, m_oemAppIconPath),  offsetof(Config, m_version),       offsetof(Config, m_oemResourceDll)};
+        offsetof(Config, m_productName),       offsetof(Config, m_companyName),     offsetof(Config, m_profileName),
+        offsetof(Config, m_language),          offsetof(Config, m_companyRootPath), offsetof(Config, m_productRootPath),
+        offsetof(Config, m_initialized),       offsetof(Config, m_oemProductName),  offsetof(Config, m_oemCompanyName),
+        offsetof(Config, m_oemCompanyLtdName), offsetof(Config, m_largeIcon),       offsetof(Config, m_smallIcon),
+        offsetof(Config, m_oemAppIconPath),    offsetof(Config, m_version),         offsetof(Config, m_oemResourceDll)};
 
     static_assert(sizeof(VornaLanguage) == 16 && alignof(VornaLanguage) == 8);
     static_assert(offsetof(VornaLanguage, m_id) == 0 && offsetof(VornaLanguage, m_localName) == 8);

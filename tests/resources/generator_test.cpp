@@ -26,8 +26,8 @@ protected:
 
     [[nodiscard]] ToolRun generate(const QStringList& files) const
     {
-        const QStringList arguments = {QStringLiteral("-P"),
-                                       QStringLiteral(CMAKE_HELPERS "/VrResourceStrings.cmake"), source()};
+        const QStringList arguments = {QStringLiteral("-P"), QStringLiteral(CMAKE_HELPERS "/VrResourceStrings.cmake"),
+                                       source()};
         return runTool(QStringLiteral(CMAKE_PROGRAM), arguments + files);
     }
 
@@ -86,8 +86,7 @@ TEST_F(Generator, KeepsCharactersThatMeanSomethingElsewhere)
 
 TEST_F(Generator, EscapesStandForTheirCharacters)
 {
-    const Texts expected = {
-        {1, L"a\nb\rc\td e\\f"}, {2, L"A1\x1F600;"}, {3, L"\x1\xFFFF"}, {4, L"\\n \\x41;"}};
+    const Texts expected = {{1, L"a\nb\rc\td e\\f"}, {2, L"A1\x1F600;"}, {3, L"\x1\xFFFF"}, {4, L"\\n \\x41;"}};
     EXPECT_EQ(textsFrom("1 a\\nb\\rc\\td\\se\\\\f\n"
                         "2 \\x41;1\\x1F600;;\n"
                         "3 \\x1;\\x00fFfF;\n"
@@ -182,8 +181,8 @@ TEST_F(Generator, AnIdInTwoFilesIsRefusedWithBothPlaces)
     ASSERT_TRUE(writeFile(second, "\n2 zwei\n"));
     const ToolRun run = generate({first, second});
     EXPECT_NE(run.exitCode, 0);
-    EXPECT_TRUE(run.errors.contains(
-        QStringLiteral("%1:2: error: id 2 stands twice; first at %2:2\n").arg(second, first)))
+    EXPECT_TRUE(
+        run.errors.contains(QStringLiteral("%1:2: error: id 2 stands twice; first at %2:2\n").arg(second, first)))
         << run.errors.toStdString();
 }
 
@@ -192,8 +191,7 @@ TEST_F(Generator, AMissingFileIsNamed)
     const QString missing = place(QStringLiteral("missing.txt"));
     const ToolRun run = generate({missing});
     EXPECT_NE(run.exitCode, 0);
-    EXPECT_TRUE(run.errors.contains(missing + QStringLiteral(":1: error: no such file\n")))
-        << run.errors.toStdString();
+    EXPECT_TRUE(run.errors.contains(missing + QStringLiteral(":1: error: no such file\n"))) << run.errors.toStdString();
 }
 
 TEST_F(Generator, EveryFaultOfAFileIsToldAtOnce)

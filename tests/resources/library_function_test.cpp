@@ -28,8 +28,8 @@ QByteArray samplePicture()
 bool copyHelpers(const QString& target)
 {
     const QDir helpers(QStringLiteral(CMAKE_HELPERS));
-    const QStringList names = helpers.entryList(
-        {QStringLiteral("VrAddResourceLibrary.cmake"), QStringLiteral("VrResource*")}, QDir::Files);
+    const QStringList names =
+        helpers.entryList({QStringLiteral("VrAddResourceLibrary.cmake"), QStringLiteral("VrResource*")}, QDir::Files);
     const auto copied = [&](const QString& name) {
         return QFile::copy(helpers.filePath(name), target + QLatin1Char('/') + name);
     };
@@ -59,15 +59,14 @@ protected:
     [[nodiscard]] ToolRun configure() const
     {
         return runTool(QStringLiteral(CMAKE_PROGRAM),
-                       {QStringLiteral("-S"), m_directory.path(), QStringLiteral("-B"),
-                        place(QStringLiteral("build")), QStringLiteral("-G"), QStringLiteral(BUILD_GENERATOR),
+                       {QStringLiteral("-S"), m_directory.path(), QStringLiteral("-B"), place(QStringLiteral("build")),
+                        QStringLiteral("-G"), QStringLiteral(BUILD_GENERATOR),
                         QStringLiteral("-DCMAKE_CXX_COMPILER=" CXX_COMPILER)});
     }
 
     [[nodiscard]] ToolRun build() const
     {
-        return runTool(QStringLiteral(CMAKE_PROGRAM),
-                       {QStringLiteral("--build"), place(QStringLiteral("build"))});
+        return runTool(QStringLiteral(CMAKE_PROGRAM), {QStringLiteral("--build"), place(QStringLiteral("build"))});
     }
 
     void makeProject(const QByteArray& body) const
@@ -90,8 +89,7 @@ TEST_F(PartnerProject, OneCallMakesTheBrandsLibrary)
     const ResourceLibrary library(built(QStringLiteral("VrCustomRes.so")));
     ASSERT_EQ(library.loadError(), "");
     EXPECT_EQ(library.texts(), (Texts{{4092, L"Kite"}, {5001, L"a;b[c]\"d\"\\e"}}));
-    EXPECT_EQ(readFile(QStringLiteral(":/VrCustomRes/VrCustomRes/IDI_VORNA_OEM_APPLICATION_EXE")),
-              samplePicture());
+    EXPECT_EQ(readFile(QStringLiteral(":/VrCustomRes/VrCustomRes/IDI_VORNA_OEM_APPLICATION_EXE")), samplePicture());
 }
 
 TEST_F(PartnerProject, PrefixDirectoryAndFileNameAreTheOnesGiven)
@@ -135,8 +133,7 @@ TEST_F(PartnerProject, AChangedPictureIsBuiltAgain)
     ASSERT_TRUE(writeFile(place(QStringLiteral("icon.png")), samplePicture()));
     ASSERT_EQ(build().exitCode, 0);
     const ResourceLibrary library(built(QStringLiteral("libVrCustomRes.so")));
-    EXPECT_EQ(readFile(QStringLiteral(":/VrCustomRes/VrCustomRes/IDI_VORNA_OEM_APPLICATION_EXE")),
-              samplePicture());
+    EXPECT_EQ(readFile(QStringLiteral(":/VrCustomRes/VrCustomRes/IDI_VORNA_OEM_APPLICATION_EXE")), samplePicture());
 }
 
 TEST_F(PartnerProject, AFaultyTextEndsTheBuildAndNamesFileAndLine)
@@ -167,8 +164,7 @@ class PartnerMisuse : public PartnerProject, public testing::WithParamInterface<
 
 TEST_P(PartnerMisuse, IsToldWhenConfiguring)
 {
-    ASSERT_TRUE(
-        writeProject("NONE", QByteArray("vr_add_resource_library(Brand ") + GetParam().arguments + ")"));
+    ASSERT_TRUE(writeProject("NONE", QByteArray("vr_add_resource_library(Brand ") + GetParam().arguments + ")"));
     const ToolRun run = configure();
     EXPECT_NE(run.exitCode, 0);
     const QString told = run.errors.simplified(); // the messages are broken into lines
@@ -181,8 +177,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Misuse{"NoStrings", "NAME VrCustomRes", "(Brand): NAME and STRINGS are needed"},
                     Misuse{"UnknownPrefixWord", "NAME A STRINGS brand.txt LIB_PREFIX so",
                            "(Brand): LIB_PREFIX is lib or none, not so"},
-                    Misuse{"UnknownWord", "extra NAME A STRINGS brand.txt",
-                           "(Brand): unknown arguments extra"},
+                    Misuse{"UnknownWord", "extra NAME A STRINGS brand.txt", "(Brand): unknown arguments extra"},
                     Misuse{"NoSuchPicture", "NAME A STRINGS brand.txt ICON none.png", "(Brand): no icon "}),
     [](const auto& instance) { return std::string(instance.param.name); });
 

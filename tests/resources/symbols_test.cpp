@@ -24,8 +24,7 @@ std::vector<QString> libraries()
 
 QStringList exportedSymbols(const QString& path)
 {
-    const ToolRun nm =
-        runTool(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--defined-only"), path});
+    const ToolRun nm = runTool(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--defined-only"), path});
     QStringList names;
     for (const QString& line : nm.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         names.append(line.section(QLatin1Char(' '), -1));
@@ -52,8 +51,7 @@ class ResourceSymbols : public testing::TestWithParam<QString>
 
 TEST_P(ResourceSymbols, ExactlyTheTwoOfTheTableAreExported)
 {
-    const QStringList expected = {QStringLiteral("VrResourceStringCount"),
-                                  QStringLiteral("VrResourceStrings")};
+    const QStringList expected = {QStringLiteral("VrResourceStringCount"), QStringLiteral("VrResourceStrings")};
     EXPECT_EQ(exportedSymbols(GetParam()), expected) << GetParam().toStdString();
 }
 

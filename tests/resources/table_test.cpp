@@ -84,9 +84,9 @@ TEST_P(LanguageTable, EveryTextIsThereAndNoOther)
 
 TEST_P(LanguageTable, EachLanguageHasItsOwnNameInItsOwnTongue)
 {
-    const std::vector<std::wstring> expected = {
-        L"Čeština", L"Deutsch", L"English",   L"Español", L"Français", L"Magyar",   L"Italiano", L"日本語",
-        L"한국어",  L"Polski",  L"Português", L"Русский", L"Türkçe",   L"简体中文", L"繁體中文"};
+    const std::vector<std::wstring> expected = {L"Čeština",   L"Deutsch",  L"English", L"Español",  L"Français",
+                                                L"Magyar",    L"Italiano", L"日本語",  L"한국어",   L"Polski",
+                                                L"Português", L"Русский",  L"Türkçe",  L"简体中文", L"繁體中文"};
     const Texts texts = m_library.texts();
     std::vector<std::wstring> names;
     for (std::uint32_t id = kFirstOwnName; id <= kLastOwnName && texts.count(id) > 0; ++id) {

@@ -36,8 +36,7 @@ std::vector<Entry> entriesOf(const QString& fileName)
 std::vector<Entry> entriesOfLanguage(const std::string& language)
 {
     std::vector<Entry> entries = entriesOf(QStringLiteral("strings/common.txt"));
-    const std::vector<Entry> own =
-        entriesOf(QStringLiteral("strings/%1.txt").arg(QString::fromStdString(language)));
+    const std::vector<Entry> own = entriesOf(QStringLiteral("strings/%1.txt").arg(QString::fromStdString(language)));
     entries.insert(entries.end(), own.begin(), own.end());
     return entries;
 }
@@ -67,8 +66,7 @@ TEST_P(LanguageTexts, LibraryHoldsExactlyWhatTheFilesSay)
 
 TEST_P(LanguageTexts, OwnFileHoldsOnlyTheWordForAnUnknownLanguage)
 {
-    const std::vector<Entry> own =
-        entriesOf(QStringLiteral("strings/%1.txt").arg(QString::fromStdString(GetParam())));
+    const std::vector<Entry> own = entriesOf(QStringLiteral("strings/%1.txt").arg(QString::fromStdString(GetParam())));
     ASSERT_EQ(own.size(), 1U);
     EXPECT_EQ(own.front().id, 1103U);
 }

@@ -45,14 +45,13 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts)
     return pointers;
 }
 
-pid_t spawn(const std::vector<std::string>& command, const Environment& changes,
-            posix_spawn_file_actions_t* actions)
+pid_t spawn(const std::vector<std::string>& command, const Environment& changes, posix_spawn_file_actions_t* actions)
 {
     std::vector<std::string> arguments = command;
     std::vector<std::string> variables = environmentOf(changes);
     pid_t child = 0;
-    const int error = posix_spawnp(&child, command.front().c_str(), actions, nullptr,
-                                   pointersTo(arguments).data(), pointersTo(variables).data());
+    const int error = posix_spawnp(&child, command.front().c_str(), actions, nullptr, pointersTo(arguments).data(),
+                                   pointersTo(variables).data());
     if (error != 0)
         throw std::runtime_error("cannot start " + command.front() + ", error " + std::to_string(error));
     return child;
