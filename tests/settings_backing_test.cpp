@@ -261,6 +261,25 @@ TEST_F(BackingTest, LockThatCannotBeRemovedDoesNotHoldAnEventLoopUp)
     EXPECT_FALSE(fs::exists(m_here.settingsFile()));
 }
 
+class HomeNameTest : public BackingTest, public testing::WithParamInterface<std::string>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Locales, HomeNameTest, testing::Values("C", "C.UTF-8", "de_DE.ISO-8859-1"),
+                         [](const auto& locale) { return "Locale" + std::to_string(locale.index); });
+
+// What is written back at the end of a process without an event loop lands where it was read from.
+TEST_P(HomeNameTest, OutsideAsciiIsTheOneThatIsWrittenTo)
+{
+    m_here.installLanguage("en-US");
+    const fs::path home = m_here.root() / "homes" / "h\xC3\xB6me \xE5\xAE\xB6";
+    fs::create_directories(home);
+    const Environment environment = {{"HOME", home}, {"LC_ALL", GetParam()}};
+    ASSERT_EQ(m_here.run("startAndWrite", {}, environment).out, "00\n");
+    EXPECT_TRUE(fs::exists(home / ".config/HALVIK/VORNA/2026/VORNA.conf"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(home.parent_path()), fs::directory_iterator()), 1);
+}
+
 TEST_F(BackingTest, LockFileLeftBehindDoesNotKeepValuesFromBeingWritten)
 {
     m_here.installLanguage("en-US");

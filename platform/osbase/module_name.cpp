@@ -3,9 +3,11 @@
 #include "osbase/path_text.h"
 #include "osbase/text_case.h"
 
+#include <climits>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 
 namespace vrosbase::internal
@@ -60,8 +62,9 @@ std::string absoluteLibraryPath(std::string_view name)
 
 std::string executablePath()
 {
-    std::error_code error;
-    std::string path = std::filesystem::read_symlink("/proc/self/exe", error).string();
+    std::array<char, PATH_MAX> target; // NOLINT(cppcoreguidelines-pro-type-member-init) filled by the call
+    const ssize_t length = ::readlink("/proc/self/exe", target.data(), target.size());
+    std::string path(target.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
     // The kernel marks a program whose file was replaced while it runs; its path is still the one it came
     // from.
     constexpr std::string_view kDeleted = " (deleted)";

@@ -84,9 +84,7 @@ ModulePin findModule(const std::string& name)
 std::wstring modulePath(void* module)
 {
     if (module == mainModule()) {
-        // Where it was when it was first asked for: a running program does not move, and this is asked often.
-        static const std::wstring kExecutable = wideText(executablePath());
-        return kExecutable;
+        return wideText(executablePath());
     }
     return wideText(absoluteLibraryPath(loaderPath(module)));
 }

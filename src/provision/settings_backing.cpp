@@ -1,6 +1,7 @@
 // The settings object behind the tree, and its file.
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -52,15 +53,29 @@ private:
     QString m_leftLock;
 };
 
+bool mayBeWrittenBack(QSettings* settings)
+{
+    const auto* const backing = dynamic_cast<BackingSettings*>(settings);
+    return !backing || !backing->isLockedOut();
+}
+
+/// The settings library knows how a file's name is encoded only until its own global objects are destroyed, and that is
+/// before ours are: in a home whose name is not ASCII, what is written back then would land in another directory. Exit
+/// handlers run before; this one is registered when those global objects are there.
+void writeBackAtExit()
+{
+    if (g_globalSettings && mayBeWrittenBack(g_globalSettings))
+        g_globalSettings->sync();
+}
+
 /// Deleting writes back; an object that may not do that is left alone instead, until the process is gone.
 void close(QSettings* settings)
 {
     static auto* const kLeftAlone = new std::vector<const QSettings*>;
-    const auto* const backing = dynamic_cast<BackingSettings*>(settings);
-    if (backing && backing->isLockedOut())
-        kLeftAlone->push_back(settings);
-    else
+    if (mayBeWrittenBack(settings))
         delete settings;
+    else
+        kLeftAlone->push_back(settings);
 }
 
 QString iniText(VornaConfig& config, const wchar_t* key, const wchar_t* fallback)
@@ -89,6 +104,8 @@ void VornaConfig::initRegObject(const wchar_t* company, const wchar_t* product)
         std::make_unique<BackingSettings>(QSettings::NativeFormat, QSettings::UserScope, organisation, productName);
     settings->removeLeftLock();
     g_globalSettings = settings.release();
+    static const int kRegistered = std::atexit(writeBackAtExit);
+    Q_UNUSED(kRegistered)
 }
 
 void VornaConfig::uinitRegObject()
