@@ -14,10 +14,8 @@ function(vr_add_test name)
         target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} VrTestSupport)
     endif()
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-    # A home of its own keeps the real one out of reach even when a test forgets to set one. No display, no session.
+    # A home of its own keeps the real one out of reach even when a test forgets to set one.
     gtest_discover_tests(${name}
         DISCOVERY_TIMEOUT 120
-        PROPERTIES
-            TIMEOUT 300
-            ENVIRONMENT "HOME=${CMAKE_BINARY_DIR}/nohome;XDG_CONFIG_HOME=;XDG_DATA_HOME=;DISPLAY=;WAYLAND_DISPLAY=;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=1")
+        PROPERTIES TIMEOUT 300 ENVIRONMENT "HOME=${CMAKE_BINARY_DIR}/nohome")
 endfunction()
