@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "long_place.h"
+#include "long_path.h"
 #include "start_words.h"
 #include "unprivileged.h"
 

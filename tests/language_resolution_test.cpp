@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "long_place.h"
+#include "long_path.h"
 #include "start_words.h"
 #include "unprivileged.h"
 #include "virtual_display.h"

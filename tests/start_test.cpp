@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "VrUInfo/Resources.h"
-#include "long_place.h"
+#include "long_path.h"
 #include "start_words.h"
 #include "unprivileged.h"
 

@@ -279,21 +279,21 @@ private:
                                              const wchar_t* fileName);
     VRUINFO_LOCAL void loadOemTexts();
 
-    wchar_t* m_productName;
-    wchar_t* m_companyName;
-    std::atomic<wchar_t*> m_profileName; // replaced while other threads read; former names stay valid
-    VornaLanguage m_language;
-    wchar_t* m_companyRootPath;
-    wchar_t* m_productRootPath;
-    bool m_initialized;
-    wchar_t* m_oemProductName;
-    wchar_t* m_oemCompanyName;
-    wchar_t* m_oemCompanyLtdName;
-    QIcon* m_largeIcon;
-    QIcon* m_smallIcon;
-    wchar_t* m_oemAppIconPath;
-    wchar_t* m_version;
-    HMODULE m_oemResourceDll;
+    wchar_t* m_productName = nullptr;
+    wchar_t* m_companyName = nullptr;
+    std::atomic<wchar_t*> m_profileName = nullptr; // replaced while other threads read; former names stay valid
+    VornaLanguage m_language{-1};
+    wchar_t* m_companyRootPath = nullptr;
+    wchar_t* m_productRootPath = nullptr;
+    bool m_initialized = false;
+    wchar_t* m_oemProductName = nullptr;
+    wchar_t* m_oemCompanyName = nullptr;
+    wchar_t* m_oemCompanyLtdName = nullptr;
+    QIcon* m_largeIcon = nullptr;
+    QIcon* m_smallIcon = nullptr;
+    wchar_t* m_oemAppIconPath = nullptr;
+    wchar_t* m_version = nullptr;
+    HMODULE m_oemResourceDll = nullptr;
 
     static VornaConfig _sg_vorna_config; // NOLINT(bugprone-reserved-identifier) fixed name
 };
@@ -321,8 +321,8 @@ private:
     friend class VornaConfig;
     friend struct VornaLayout;
     QList<QString>* m_list;
-    mutable std::int32_t m_index;
-    std::int32_t m_count;
+    mutable std::int32_t m_index = -1;
+    std::int32_t m_count = 0;
 };
 
 /// The values of an item, in the same manner.
@@ -350,8 +350,8 @@ private:
     friend class VornaConfig;
     friend struct VornaLayout;
     QList<QString>* m_list;
-    mutable std::int32_t m_index;
-    std::int32_t m_count;
+    mutable std::int32_t m_index = -1;
+    std::int32_t m_count = 0;
 };
 
 /// The configuration object. Never null.

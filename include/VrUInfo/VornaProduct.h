@@ -69,8 +69,8 @@ private:
     static constexpr unsigned int kCacheDirCapacity = 1024;
 
     mutable int m_edition;
-    mutable wchar_t m_helpFile[kHelpFileCapacity];
-    mutable wchar_t m_userDataCacheDir[kCacheDirCapacity];
+    mutable wchar_t m_helpFile[kHelpFileCapacity]{};
+    mutable wchar_t m_userDataCacheDir[kCacheDirCapacity]{};
 
     static VornaProduct sg_vrproduct;
 };

@@ -17,7 +17,6 @@ namespace
 {
 
 constexpr unsigned int kResourcePathSize = 1023;
-constexpr int kUnknownLanguage = -1;
 
 const wchar_t* textOr(const wchar_t* text, const wchar_t* fallback)
 {
@@ -33,13 +32,7 @@ VornaConfigException::VornaConfigException(const wchar_t* message, bool exitProc
 
 VornaConfigException::~VornaConfigException() = default;
 
-VornaConfig::VornaConfig() :
-    m_productName(nullptr), m_companyName(nullptr), m_profileName(nullptr), m_language(kUnknownLanguage),
-    m_companyRootPath(nullptr), m_productRootPath(nullptr), m_initialized(false), m_oemProductName(nullptr),
-    m_oemCompanyName(nullptr), m_oemCompanyLtdName(nullptr), m_largeIcon(nullptr), m_smallIcon(nullptr),
-    m_oemAppIconPath(nullptr), m_version(nullptr), m_oemResourceDll(nullptr)
-{
-}
+VornaConfig::VornaConfig() = default;
 
 VornaConfig::~VornaConfig()
 {

@@ -70,8 +70,7 @@ VornaLanguage::VornaLanguage(const wchar_t* shortName) : m_id(idOf(shortName)), 
 
 VornaLanguage::VornaLanguage(const VornaLanguage& other) : m_id(other.m_id), m_localName(nullptr) {}
 
-// NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp) it empties the cache in every case, on
-// purpose
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment) empties the cache in every case, on purpose
 VornaLanguage& VornaLanguage::operator=(const VornaLanguage& other)
 {
     m_id = other.m_id;

@@ -45,7 +45,7 @@ int editionOf(const wchar_t* product)
 
 } // namespace
 
-VornaProduct::VornaProduct() : m_edition(kInitialEdition), m_helpFile{}, m_userDataCacheDir{}
+VornaProduct::VornaProduct() : m_edition(kInitialEdition)
 {
     VornProdUtil::SetWorkingDirectory();
 }

@@ -80,7 +80,7 @@ QString subItemPath(const Place& place)
 
 using namespace vruinfo::internal;
 
-VornaConfig::ItemIterator::ItemIterator() : m_list(std::make_unique<Names>().release()), m_index(-1), m_count(0) {}
+VornaConfig::ItemIterator::ItemIterator() : m_list(std::make_unique<Names>().release()) {}
 
 VornaConfig::ItemIterator::~ItemIterator()
 {
@@ -107,7 +107,7 @@ unsigned int VornaConfig::ItemIterator::name(wchar_t* buffer, int& length) const
     return Vorn::eOk;
 }
 
-VornaConfig::ValueIterator::ValueIterator() : m_list(std::make_unique<Names>().release()), m_index(-1), m_count(0) {}
+VornaConfig::ValueIterator::ValueIterator() : m_list(std::make_unique<Names>().release()) {}
 
 VornaConfig::ValueIterator::~ValueIterator()
 {

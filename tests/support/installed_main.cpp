@@ -17,9 +17,9 @@
 
 #include "installation.h"
 
-// What the sanitizers ask a program for. Qt is not instrumented: its reference counts, its mutexes and the event queue that a
-// settings object posts to are not seen, so calls made inside it look unsynchronised; our own accesses are all seen.
-// NOLINTNEXTLINE(bugprone-reserved-identifier) the sanitizer's name
+// What the sanitizers ask a program for. Qt is not instrumented: its reference counts, its mutexes and the event queue
+// that a settings object posts to are not seen, so calls made inside it look unsynchronised; our own accesses are all
+// seen. NOLINTNEXTLINE(bugprone-reserved-identifier) the sanitizer's name
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions()
 {
     return "called_from_lib:libQt5Core.so.5\n";

@@ -35,4 +35,11 @@ inline std::string directoryOfLength(std::size_t length)
     return folders(length - sample.root().string().size() - kSeparators);
 }
 
+/// An installation whose program directory has that many characters, without a separator at its end.
+class LongInstallation : public Installation
+{
+public:
+    explicit LongInstallation(std::size_t length) : Installation(directoryOfLength(length + 1)) {}
+};
+
 } // namespace vrtest
