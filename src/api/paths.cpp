@@ -18,7 +18,6 @@ namespace
 
 constexpr std::size_t kLongestLeaf = 1022;
 constexpr std::size_t kLongestCachePath = 1021;
-constexpr wchar_t kCacheFolder[] = L"UserDataCache";
 
 unsigned int writeUserFolder(UserFolder folder, FolderLevel level, wchar_t* path)
 {
@@ -49,7 +48,7 @@ bool isInCacheFolder()
         return false;
     wchar_t cache[kPathCapacity];
     WideWriter writer(cache, kPathCapacity);
-    if (!writer.append(place->directory.c_str()) || !writer.append(kCacheFolder))
+    if (!writer.append(place->directory.c_str()) || !writer.append(kUserDataCacheFolder))
         return false;
     wchar_t current[kPathCapacity];
     const DWORD length = GetCurrentDirectoryW(kPathCapacity, current);

@@ -8,6 +8,9 @@
 namespace vruinfo::internal
 {
 
+/// The folder for cached user data, beside the executable.
+inline constexpr wchar_t kUserDataCacheFolder[] = L"UserDataCache";
+
 /// The running executable's path taken apart.
 struct ProgramPlace {
     std::wstring directory; ///< With its trailing "/".

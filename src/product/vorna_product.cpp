@@ -18,7 +18,6 @@ namespace
 
 constexpr wchar_t kProgramName[] = L"VORNA";
 constexpr wchar_t kBareHelpFile[] = L"VrHelp.pdf";
-constexpr wchar_t kCacheFolder[] = L"UserDataCache";
 constexpr wchar_t kDotNetVersion[] = L"4.6.1";
 constexpr int kHelpFileLimit = 511;
 constexpr int kReleaseMajor = 26;
@@ -114,7 +113,7 @@ const wchar_t* VornaProduct::userDataCacheDir() const
     if (m_userDataCacheDir[0] != L'\0')
         return m_userDataCacheDir;
     WideWriter writer(m_userDataCacheDir, kCacheDirCapacity);
-    if (!writer.append(programDirectory()) || writer.length() == 0 || !writer.append(kCacheFolder))
+    if (!writer.append(programDirectory()) || writer.length() == 0 || !writer.append(kUserDataCacheFolder))
         writer.clear();
     return m_userDataCacheDir;
 }
