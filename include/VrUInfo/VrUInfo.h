@@ -5,6 +5,8 @@
 #include "VrUInfo/Diagnostics.h"
 #include "VrUInfo/ErrorStatus.h"
 #include "VrUInfo/Export.h"
+#include "VrUInfo/FirstRun.h"
+#include "VrUInfo/Lookups.h"
 #include "VrUInfo/Naming.h"
 #include "VrUInfo/Oem.h"
 #include "VrUInfo/Paths.h"

@@ -12,6 +12,8 @@ inline constexpr wchar_t kDefaultProduct[] = L"VORNA";
 inline constexpr wchar_t kRelease[] = L"2026";
 inline constexpr wchar_t kDefaultProfile[] = L"Default";
 
+inline constexpr wchar_t kTopItem[] = L"Software"; ///< Of the settings tree.
+
 inline constexpr wchar_t kProductIni[] = L"VORNA.ini";
 inline constexpr wchar_t kProductSection[] = L"Product";
 inline constexpr wchar_t kLocaleSection[] = L"LocaleIdLangName";
@@ -24,6 +26,7 @@ inline constexpr wchar_t kPrefixKey[] = L"PreStr";
 inline constexpr wchar_t kCurrentProductValue[] = L"CurProduct";
 inline constexpr wchar_t kCurrentVersionValue[] = L"CurVer";
 inline constexpr wchar_t kProfilesValue[] = L"Profiles";
+inline constexpr wchar_t kMigrationFlag[] = L"AutoMigrate";
 
 inline constexpr wchar_t kLanguageLibrary[] = L"libVrUInfoRes.so";
 

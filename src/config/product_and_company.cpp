@@ -22,7 +22,6 @@ namespace
 constexpr std::size_t kNameCapacity = 256;
 constexpr std::size_t kLongestCompanyForRoot = 1014;
 constexpr std::size_t kLongestRoot = 1023;
-constexpr wchar_t kTopItem[] = L"Software";
 
 /// Where a name was found.
 struct Found {

@@ -1,6 +1,8 @@
 #include "place/program_place.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <string_view>
 
 #include "VrOsBase/VrOsBase.h"
 #include "text/wide_buffer.h"
@@ -15,15 +17,26 @@ constexpr std::size_t kNameCapacity = 256;
 constexpr int kExistence = 0;
 constexpr int kReadPermission = 4;
 
-/// The executable's path in a buffer; false when it is not known or was cut.
-bool writeExecutable(wchar_t* buffer, DWORD size)
+} // namespace
+
+bool writeExecutable(wchar_t* buffer, unsigned int size)
 {
     SetLastError(ERROR_SUCCESS);
     return GetModuleFileNameW(GetModuleHandleW(nullptr), buffer, size) != 0 &&
            GetLastError() != ERROR_INSUFFICIENT_BUFFER;
 }
 
-} // namespace
+std::size_t keepBaseName(wchar_t* path)
+{
+    const wchar_t* const slash = std::wcsrchr(path, L'/');
+    if (!slash)
+        return std::wcslen(path);
+    const std::wstring_view name(slash + 1);
+    const std::size_t length = std::min(name.size(), name.rfind(L'.'));
+    std::wmemmove(path, name.data(), length);
+    path[length] = L'\0';
+    return length;
+}
 
 std::optional<ProgramPlace> ProgramPlace::find()
 {

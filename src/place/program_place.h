@@ -21,6 +21,14 @@ struct ProgramPlace {
     [[nodiscard]] static std::optional<ProgramPlace> find();
 };
 
+/// The executable's path in a buffer; false when it is not known, or longer than size - 1 characters (the buffer may
+/// hold its beginning then).
+[[nodiscard]] bool writeExecutable(wchar_t* buffer, unsigned int size);
+
+/// Cuts a path down to its file's base name: what stands between the last "/" and the last "." behind it. A text
+/// without a "/" stays whole. \return the length left
+std::size_t keepBaseName(wchar_t* path);
+
 /// The program directory with its trailing "/", kept from the first call on; empty when it is not known.
 [[nodiscard]] const wchar_t* programDirectory();
 
