@@ -1,7 +1,11 @@
 // The configuration object's life: before the start, the start step by step, the end.
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
+#include <set>
+#include <thread>
+#include <vector>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSettings>
@@ -54,6 +58,11 @@ int storeValue(const char* name, const wchar_t* text)
 QString onDisk(const std::string& name)
 {
     return textInFile(Installation::here().settingsFile(), name);
+}
+
+bool isLoaded(const char* library)
+{
+    return readFile("/proc/self/maps").find(library) != std::string::npos;
 }
 
 } // namespace
@@ -436,6 +445,29 @@ TEST_F(EnglishStartTest, BrandingStepAlwaysGives1AndLoadsOnce)
     EXPECT_NE(icon, nullptr);
     EXPECT_EQ(m_config.initOemResource(), 1U);
     EXPECT_EQ(m_config.oemAppIcon(true), icon);
+}
+
+TEST_F(EnglishStartTest, LoadsNothingForPicturesUntilAnIconIsAskedFor)
+{
+    ASSERT_EQ(startWith({"-", "-", "en-US"}), 0U);
+    EXPECT_FALSE(isLoaded("libQt5Gui"));
+    EXPECT_FALSE(isLoaded("libVrUInfoIcons"));
+    EXPECT_NE(m_config.oemAppIcon(true), nullptr);
+    EXPECT_TRUE(isLoaded("libVrUInfoIcons"));
+    EXPECT_TRUE(isLoaded("libQt5Gui"));
+}
+
+TEST_F(EnglishStartTest, IconsAskedForByManyThreadsAreMadeOnce)
+{
+    ASSERT_EQ(startWith({"-", "-", "en-US"}), 0U);
+    std::array<QIcon*, 8> seen{};
+    std::vector<std::thread> threads;
+    for (QIcon*& icon : seen)
+        threads.emplace_back([this, &icon] { icon = m_config.oemAppIcon(false); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_NE(seen[0], nullptr);
+    EXPECT_EQ(std::set<QIcon*>(seen.begin(), seen.end()).size(), 1U);
 }
 
 // ---- The check of the language's library

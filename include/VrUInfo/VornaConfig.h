@@ -285,6 +285,8 @@ private:
     VRUINFO_LOCAL unsigned int readIniNumber(const wchar_t* section, const wchar_t* key, VornVariant& value,
                                              const wchar_t* fileName);
     VRUINFO_LOCAL void loadOemTexts();
+    VRUINFO_LOCAL void deleteIcons();
+    VRUINFO_LOCAL static void deleteIconsAtExit();
 
     wchar_t* m_productName = nullptr;
     wchar_t* m_companyName = nullptr;
@@ -296,8 +298,8 @@ private:
     wchar_t* m_oemProductName = nullptr;
     wchar_t* m_oemCompanyName = nullptr;
     wchar_t* m_oemCompanyLtdName = nullptr;
-    QIcon* m_largeIcon = nullptr;
-    QIcon* m_smallIcon = nullptr;
+    mutable QIcon* m_largeIcon = nullptr; // made when first asked for
+    mutable QIcon* m_smallIcon = nullptr;
     wchar_t* m_oemAppIconPath = nullptr;
     wchar_t* m_version = nullptr;
     HMODULE m_oemResourceDll = nullptr;

@@ -1,16 +1,16 @@
 // Branding from the partner's resource library, or from the language's.
 #include <array>
-#include <memory>
+#include <cstdlib>
+#include <mutex>
 
 #include <QtCore/QFile>
-#include <QtGui/QIcon>
 
 #include "VrOsBase/VrOsBase.h"
 #include "VrUInfo/Oem.h"
 #include "VrUInfo/Resources.h"
 #include "VrUInfo/VornaConfig.h"
+#include "config/icons.h"
 #include "config/identity_names.h"
-#include "config/resource_icon.h"
 #include "config/start_record.h"
 #include "product/language_library.h"
 #include "text/owned_text.h"
@@ -72,11 +72,14 @@ void takeText(HMODULE library, unsigned int id, wchar_t*& place, const wchar_t* 
     StartRecord::instance().take(piece, place, VornOrigin::ResourceLibrary, textPlace(library, id));
 }
 
-void replaceIcon(QIcon*& place, QIcon* icon)
+/// Guards both icons, and whether they are to be had.
+std::mutex& iconLock()
 {
-    delete place;
-    place = icon;
+    static std::mutex lock;
+    return lock;
 }
+
+bool g_areIconsOffered = false; // there is one configuration object
 
 } // namespace
 
@@ -117,8 +120,36 @@ void VornaConfig::loadOemIcons()
         copyBounded(m_oemAppIconPath, wide.size() + 1, wide.c_str());
     else
         replaceText(m_oemAppIconPath, makeText(wide.c_str()));
-    replaceIcon(m_smallIcon, loadIcon(path, kSmallIcon, kSmallIcon));
-    replaceIcon(m_largeIcon, loadIcon(path, kLargeIcon, kLargeIcon));
+    deleteIcons();
+    const std::lock_guard<std::mutex> lock(iconLock());
+    g_areIconsOffered = QFile::exists(path);
+}
+
+QIcon* VornaConfig::oemAppIcon(bool large) const
+{
+    const std::lock_guard<std::mutex> lock(iconLock());
+    QIcon*& icon = large ? m_largeIcon : m_smallIcon;
+    if (icon || !g_areIconsOffered)
+        return icon;
+    const int size = large ? kLargeIcon : kSmallIcon;
+    icon = loadIcon(toQString(m_oemAppIconPath), size, size);
+    // What was loaded later goes earlier: at the end of the process icons go while their library still works.
+    static const int kRegistered = std::atexit(deleteIconsAtExit);
+    Q_UNUSED(kRegistered)
+    return icon;
+}
+
+void VornaConfig::deleteIcons()
+{
+    const std::lock_guard<std::mutex> lock(iconLock());
+    g_areIconsOffered = false;
+    deleteIcon(m_smallIcon);
+    deleteIcon(m_largeIcon);
+}
+
+void VornaConfig::deleteIconsAtExit()
+{
+    vornConfig()->deleteIcons();
 }
 
 bool VornaConfig::isNeedCheckOemPath()
@@ -144,5 +175,5 @@ QIcon* loadIcon(const QString& path, int, int)
 {
     if (!QFile::exists(path))
         return nullptr;
-    return std::make_unique<QIcon>(std::make_unique<ResourceIconEngine>(path).release()).release();
+    return makeIcon(path);
 }

@@ -128,11 +128,6 @@ const wchar_t* VornaConfig::oemCompanyLtdName() const
     return textOr(m_oemCompanyLtdName, kDefaultCompanyLtd);
 }
 
-QIcon* VornaConfig::oemAppIcon(bool large) const
-{
-    return large ? m_largeIcon : m_smallIcon;
-}
-
 const wchar_t* VornaConfig::oemAppIconPath() const
 {
     return m_oemAppIconPath;

@@ -9,7 +9,6 @@
 #include <QtCore/QEvent>
 #include <QtCore/QFile>
 #include <QtCore/QSettings>
-#include <QtGui/QIcon>
 
 #include "VrUInfo/VornaConfig.h"
 #include "config/identity_names.h"
@@ -112,10 +111,7 @@ void VornaConfig::uinitRegObject()
 {
     close(g_globalSettings);
     g_globalSettings = nullptr;
-    delete m_largeIcon;
-    m_largeIcon = nullptr;
-    delete m_smallIcon;
-    m_smallIcon = nullptr;
+    deleteIcons();
 }
 
 bool getConfigPath(int capacity, char* buffer)

@@ -1,4 +1,4 @@
-#include "config/resource_icon.h"
+#include "icons/resource_icon.h"
 
 #include <memory>
 #include <utility>
