@@ -28,8 +28,9 @@ VRUINFO_API bool CreateProductsConfigReg();
 /// \name Parts of the products list
 /// @{
 
-/// Writes the group `entryKey` with "Location" (the running program's directory), "ProductName", "Product", "Language"
-/// and "Version", each a plain string. The name is spelt as modules bind to it.
+/// Writes the group `entryKey` with "Location" (the running program's directory; empty when its path is longer than
+/// 1022 characters and there is no application object), "ProductName", "Product", "Language" and "Version", each a
+/// plain string. The name is spelt as modules bind to it.
 VRUINFO_API void wrirteProductInfo(QSettings& settings, const QString& entryKey, const QString& displayName,
                                    const QString& productCode, const QString& languageName, const QString& version);
 /// Writes one key of a group as a string.

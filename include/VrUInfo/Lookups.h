@@ -1,8 +1,8 @@
 /// \file Lookups.h
 /// Single settings and places that modules ask for without knowing where they are kept.
 ///
-/// A path buffer has room for kVornPathCapacity characters, terminator included, and is not null; it is empty when
-/// the function fails. Lengths do not count the terminator. Nothing is printed, nothing throws but values
+/// A path buffer has room for kVornPathCapacity characters, terminator included (null: 0, nothing is done); it is empty
+/// when the function fails. Lengths do not count the terminator. Nothing is printed, nothing throws but values
 /// (VornVariant.h). Any thread, after `InitVornConfig`.
 #pragma once
 

@@ -25,7 +25,7 @@ VRUINFO_API int GetVornReleaseMajorVer();                    ///< The product ob
 VRUINFO_API int GetVornReleaseMinorVer();                    ///< The product object's `releaseMinorVer`.
 
 /// The executable's name without directory and extension (what follows its last "."). \param name [out]
-/// kVornPathCapacity characters; not null \return its length; 0 when the executable's path is not known or has more
+/// kVornPathCapacity characters; null: 0 \return its length; 0 when the executable's path is not known or has more
 /// than 1023 characters
 VRUINFO_API unsigned int GetVornProgramName(wchar_t* name);
 

@@ -88,6 +88,8 @@ int GetVornIniOEMMergeTitleValue(int defaultValue)
 
 unsigned int GetVornUIStyleConfigFilePath(wchar_t* path)
 {
+    if (!path)
+        return 0;
     path[0] = L'\0';
     VornVariant value;
     if (vornConfig()->getValue(VornaConfig::UserConfigRoot, L"Config/UIStyle", value) != Vorn::eOk)
@@ -114,6 +116,8 @@ bool GetCurrentFileIsVORNARegAutoLoadFile(const wchar_t* name)
 
 unsigned int GetVrLispVSCodeExtensionDirectory(wchar_t* path)
 {
+    if (!path)
+        return 0;
     path[0] = L'\0';
     wchar_t profile[kPathCapacity];
     if (GetUserProfileDirectory(profile) == 0)

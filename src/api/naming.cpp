@@ -20,7 +20,6 @@ using namespace vruinfo::internal;
 namespace
 {
 
-constexpr DWORD kPreNameLimit = 1023;
 constexpr std::size_t kLongestBaseName = 255;
 constexpr wchar_t kReleaseIni[] = L"product.ini";
 
@@ -39,7 +38,7 @@ std::optional<std::wstring> readPreName()
         return std::nullopt;
     const std::wstring ini = place->directory + place->baseName.substr(0, kLongestBaseName) + L".ini";
     std::array<wchar_t, kPathCapacity> preName{};
-    GetPrivateProfileStringW(kProductSection, kPrefixKey, L"", preName.data(), kPreNameLimit, ini.c_str());
+    GetPrivateProfileStringW(kProductSection, kPrefixKey, L"", preName.data(), kPathCapacity, ini.c_str());
     return preName.data();
 }
 
@@ -102,7 +101,7 @@ int GetVornReleaseMinorVer()
 
 unsigned int GetVornProgramName(wchar_t* name)
 {
-    if (!writeExecutable(name, kPathCapacity))
+    if (!name || !writeExecutable(name, kPathCapacity))
         return 0;
     return static_cast<unsigned int>(keepBaseName(name));
 }

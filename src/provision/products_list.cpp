@@ -41,14 +41,14 @@ bool makeDirectory(const QString& path)
     return directory.exists();
 }
 
-/// Whoever finds a lock file takes it for left behind. The permissions are what they are on purpose, and neither
-/// result matters.
-void removeLeftLock(const QString& lock)
+/// Whoever finds a lock file takes it for left behind. The permissions are what they are on purpose.
+/// \return false when it cannot be removed: the settings library would wait for its holder without end
+bool removeLeftLock(const QString& lock)
 {
     if (!QFile::exists(lock))
-        return;
+        return true;
     QFile::setPermissions(lock, QFileDevice::ReadOther | QFileDevice::WriteOther);
-    QFile::remove(lock);
+    return QFile::remove(lock) || !QFile::exists(lock);
 }
 
 QString displayBase(const QString& productCode)
@@ -114,7 +114,8 @@ bool VornaConfig::createProductsConfigReg()
     if (!makeDirectory(directory))
         return false;
     const QString file = directory + QStringLiteral("/VR2D.conf");
-    removeLeftLock(file + QStringLiteral(".lock"));
+    if (!removeLeftLock(file + QStringLiteral(".lock")))
+        return true;
     const ProductEntry entry = entryOf(*this);
     QSettings settings(file, QSettings::NativeFormat);
     if (addToNumbers(settings, entry.key))
