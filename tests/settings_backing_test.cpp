@@ -1,6 +1,7 @@
 // The settings object and its file: which one, whose directory, what becomes of damaged ones.
 #include <array>
 #include <csignal>
+#include <fstream>
 #include <limits>
 
 #include <QtCore/QCoreApplication>
@@ -579,6 +580,20 @@ TEST_F(BadPlaceTest, StartThatChangesNothingLeavesTheFilesBytes)
     const std::string bytes = readFile(m_here.settingsFile());
     ASSERT_EQ(m_here.run("start", {"-", "-", "en-US"}).exitCode, 0);
     EXPECT_EQ(readFile(m_here.settingsFile()), bytes);
+}
+
+// ---- What others stored
+
+TEST_F(BackingTest, AColourThatAnotherProgramStoredIsWrittenBackAsItWas)
+{
+    m_here.installLanguage("en-US");
+    const std::string colour = R"(Colour=@Variant(\0\0\0\x43\x1\xff\xff\x12\x12\x34\x34VV\0\0))"
+                               "\n";
+    fs::create_directories(m_here.settingsFile().parent_path());
+    std::ofstream(m_here.settingsFile()) << "[Other]\n" << colour;
+    EXPECT_EQ(m_here.run("startAndWrite").out, "00\n");
+    EXPECT_NE(readFile(m_here.settingsFile()).find(colour), std::string::npos) << readFile(m_here.settingsFile());
+    EXPECT_EQ(textInFile(m_here.settingsFile(), "Software/HALVIK/VORNA/2026/New"), QStringLiteral("5$new"));
 }
 
 } // namespace

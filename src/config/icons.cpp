@@ -30,6 +30,11 @@ const IconLibrary& iconLibrary()
 
 } // namespace
 
+void loadIconLibrary()
+{
+    iconLibrary();
+}
+
 QIcon* makeIcon(const QString& path)
 {
     const IconLibrary& library = iconLibrary();

@@ -7,6 +7,9 @@ class QString;
 namespace vruinfo::internal
 {
 
+/// Loads what knows pictures, unless it is loaded.
+void loadIconLibrary();
+
 /// A new icon for a picture in the Qt resources; null when the icons' library cannot be loaded.
 [[nodiscard]] QIcon* makeIcon(const QString& path);
 /// Deletes the icon, if any, and sets the pointer to null.

@@ -2,15 +2,18 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <vector>
 
 #include <QtCore/QEvent>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
 
 #include "VrUInfo/VornaConfig.h"
+#include "config/icons.h"
 #include "config/identity_names.h"
 #include "store/store_group.h"
 #include "text/owned_text.h"
@@ -51,6 +54,17 @@ protected:
 private:
     QString m_leftLock;
 };
+
+/// Whether the file has values that are no texts. The library never writes such; another program may have.
+bool hasForeignValues(const QString& path)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return false;
+    const uchar* const bytes = file.map(0, file.size());
+    const auto size = static_cast<int>(std::min<qint64>(file.size(), std::numeric_limits<int>::max()));
+    return bytes && QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), size).contains("@Variant(");
+}
 
 bool mayBeWrittenBack(QSettings* settings)
 {
@@ -102,6 +116,9 @@ void VornaConfig::initRegObject(const wchar_t* company, const wchar_t* product)
     auto settings =
         std::make_unique<BackingSettings>(QSettings::NativeFormat, QSettings::UserScope, organisation, productName);
     settings->removeLeftLock();
+    // A colour or a font reads as nothing, and would be written back so, while nobody here knows pictures.
+    if (hasForeignValues(settings->fileName()))
+        loadIconLibrary();
     g_globalSettings = settings.release();
     static const int kRegistered = std::atexit(writeBackAtExit);
     Q_UNUSED(kRegistered)

@@ -43,7 +43,14 @@ TEST_F(ReadOnlySettings, CannotBeSet)
 TEST_F(ReadOnlySettings, CannotBeRemoved)
 {
     expectRefusal({"rm", "@settings/V"});
-    expectRefusal({"rm", "@settings", "--recursive"});
+}
+
+TEST_F(ReadOnlySettings, WithoutRoomForACopyLoseNoSubtree)
+{
+    const ProcessResult result = m_installation.runUnprivileged({"rm", "@settings", "--recursive"});
+    expectError(result, kFailed,
+                "no backup of the settings file " + m_installation.settingsFile().string() + " could be made");
+    EXPECT_EQ(readFile(m_installation.settingsFile()), m_before);
 }
 
 TEST_F(ReadOnlySettings, CanBeRead)

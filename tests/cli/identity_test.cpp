@@ -104,7 +104,7 @@ TEST(Identity, ComesFromTheArguments)
 TEST(Identity, IsRememberedFromTheStartBefore)
 {
     const Installation installation;
-    EXPECT_EQ(installation.run({"identity", "--language", "de-DE"}).exitCode, kDone);
+    EXPECT_EQ(installation.run({"first-run", "--language", "de-DE"}).exitCode, kDone);
     EXPECT_EQ(installation.stored("Software/HALVIK/VORNA/2026/CurVer"), QStringLiteral("5$de-DE"));
     const QJsonObject identity = installation.object({"identity"});
     expectPiece(identity, "product", "VORNA", "settings", "Software/HALVIK/CurProduct");
@@ -170,7 +170,7 @@ TEST(Identity, IsToldInWords)
 TEST(Identity, IsToldInWordsWhenRemembered)
 {
     const Installation installation;
-    EXPECT_EQ(installation.run({"identity"}).exitCode, kDone);
+    installation.store("Software/HALVIK/CurProduct", "5$VORNA");
     const std::string words = installation.run({"identity"}).out;
     expectLines(words, "product         VORNA\n" + kIndent + "remembered in the settings: Software/HALVIK/CurProduct");
 }
@@ -182,12 +182,15 @@ TEST(Identity, WorksInTheCLocaleFromADirectoryWithANonAsciiName)
     std::filesystem::rename(installation.programDir(), moved);
     const std::string home = installation.root() / "hömé";
     const ProcessResult result =
-        vrtest::runProcess({moved / "vruinfo", "identity", "--language", "de-DE"},
+        vrtest::runProcess({moved / "vruinfo", "set", "@language/CurVer", "x", "--language", "de-DE"},
                            {{"HOME", home}, {"XDG_CONFIG_HOME", ""}, {"LC_ALL", "C"}, {"DISPLAY", ""}});
     EXPECT_EQ(result.exitCode, kDone) << result.err;
-    EXPECT_NE(result.out.find((moved / "de-DE/libVrUInfoRes.so").string()), std::string::npos) << result.out;
-    EXPECT_NE(readFile(std::filesystem::path(home) / ".config/HALVIK/VORNA/2026/VORNA.conf").find("CurVer=5$de-DE"),
+    EXPECT_NE(readFile(std::filesystem::path(home) / ".config/HALVIK/VORNA/2026/VORNA.conf").find("CurVer=5$x"),
               std::string::npos);
+    const ProcessResult identity =
+        vrtest::runProcess({moved / "vruinfo", "identity", "--language", "de-DE"},
+                           {{"HOME", home}, {"XDG_CONFIG_HOME", ""}, {"LC_ALL", "C"}, {"DISPLAY", ""}});
+    EXPECT_NE(identity.out.find((moved / "de-DE/libVrUInfoRes.so").string()), std::string::npos) << identity.out;
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(installation.root()), {}), 3); // home, hömé, program
 }
 

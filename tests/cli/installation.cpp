@@ -30,7 +30,7 @@ void giveOwnerAccess(const fs::path& directory)
 {
     fs::permissions(directory, fs::perms(0755));
     for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
-        if (entry.is_directory() && !entry.is_symlink())
+        if (!entry.is_symlink() && entry.is_directory())
             giveOwnerAccess(entry.path());
     }
 }
@@ -102,32 +102,35 @@ ProcessResult Installation::runUnprivileged(const Arguments& arguments) const
     return vrtest::runProcess(command, environment({}));
 }
 
-ProcessResult Installation::runShell(const std::string& command) const
+ProcessResult Installation::runShell(const std::string& command, const Environment& changes) const
 {
-    return vrtest::runProcess({"sh", "-c", command},
-                              environment({{"PATH", programDir().string() + ":/usr/local/bin:/usr/bin:/bin"}}));
+    Environment all = environment(changes);
+    all["PATH"] = programDir().string() + ":/usr/local/bin:/usr/bin:/bin";
+    return vrtest::runProcess({"sh", "-c", command}, all);
 }
 
-QByteArray Installation::json(Arguments arguments) const
+QByteArray Installation::json(Arguments arguments, int exitCode) const
 {
+    const std::string command = arguments.front();
     arguments.emplace_back("--json");
     const ProcessResult result = run(arguments);
-    EXPECT_EQ(result.exitCode, kDone) << result.err;
+    EXPECT_EQ(result.exitCode, exitCode) << result.err;
     EXPECT_EQ(result.err, "");
+    expectShape(command, result.out);
     return QByteArray::fromStdString(result.out);
 }
 
-QJsonObject Installation::object(Arguments arguments) const
+QJsonObject Installation::object(Arguments arguments, int exitCode) const
 {
-    const QByteArray text = json(std::move(arguments));
+    const QByteArray text = json(std::move(arguments), exitCode);
     const QJsonDocument document = QJsonDocument::fromJson(text);
     EXPECT_TRUE(document.isObject()) << text.toStdString();
     return document.object();
 }
 
-QJsonArray Installation::array(Arguments arguments) const
+QJsonArray Installation::array(Arguments arguments, int exitCode) const
 {
-    const QByteArray text = json(std::move(arguments));
+    const QByteArray text = json(std::move(arguments), exitCode);
     const QJsonDocument document = QJsonDocument::fromJson(text);
     EXPECT_TRUE(document.isArray()) << text.toStdString();
     return document.array();
@@ -163,6 +166,16 @@ void appendToFile(const fs::path& file, const std::string& bytes)
 {
     fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary | std::ios::app) << bytes;
+}
+
+void expectShape(const std::string& command, const std::string& json)
+{
+    const QTemporaryDir directory;
+    const fs::path answer = directory.path().toStdString() + "/answer.json";
+    std::ofstream(answer, std::ios::binary) << json;
+    const fs::path schema = fs::path(TOOL_SCHEMAS) / (command + ".json");
+    const ProcessResult check = vrtest::runProcess({"python3", CHECK_SHAPE, schema, answer});
+    EXPECT_EQ(check.exitCode, 0) << check.out << check.err << json;
 }
 
 void expectContains(const std::string& text, const std::string& words)

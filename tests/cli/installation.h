@@ -42,18 +42,21 @@ public:
     /// Runs it as a user whom file permissions hold: as nobody when this process is root's.
     ProcessResult runUnprivileged(const Arguments& arguments) const;
     /// Runs a shell command in which `vruinfo` is this installation's.
-    ProcessResult runShell(const std::string& command) const;
-    /// The answer with --json; an empty value and a failed test when it is not exit code 0 and one JSON text.
-    QJsonObject object(Arguments arguments) const;
-    QJsonArray array(Arguments arguments) const;
+    ProcessResult runShell(const std::string& command, const Environment& changes = {}) const;
+    /// The answer with --json; a failed test when the exit code is another one, something is on standard error, or the
+    /// answer has not the shape that the command's schema tells.
+    QJsonObject object(Arguments arguments, int exitCode = 0) const;
+    QJsonArray array(Arguments arguments, int exitCode = 0) const;
 
     /// What stands in the settings file, read with a plain settings object; null when it is not there.
     QString stored(const std::string& key) const;
     void store(const std::string& key, const std::string& text) const; ///< Writes such a text.
 
+    /// What `run` runs with.
+    Environment environment(const Environment& changes = {}) const;
+
 private:
-    Environment environment(const Environment& changes) const;
-    QByteArray json(Arguments arguments) const;
+    QByteArray json(Arguments arguments, int exitCode) const;
 
     QTemporaryDir m_root;
 };
@@ -67,7 +70,10 @@ void appendToFile(const std::filesystem::path& file, const std::string& bytes);
 /// Where the tool's paths with @settings lead, in English.
 inline const std::string kSettings = "Software/HALVIK/VORNA/2026/en-US/Settings";
 
-enum ExitCode { kDone = 0, kFailed = 1, kMisuse = 2, kNotFound = 3 };
+enum ExitCode { kDone = 0, kFailed = 1, kMisuse = 2, kNotFound = 3, kWarnings = 4, kErrors = 5 };
+
+/// One JSON text has the shape that the command's schema tells.
+void expectShape(const std::string& command, const std::string& json);
 
 void expectContains(const std::string& text, const std::string& words);
 /// It was done without an error. \return the answer

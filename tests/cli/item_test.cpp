@@ -45,6 +45,7 @@ TEST(List, OfTheTopHasTheTopLevel)
 {
     const Installation installation;
     installation.store("Loose", "5$x");
+    installation.store("Software/a", "1$1");
     expectAnswer(installation.run({"list", "/"}), "item    Software/\nstring  Loose = \"x\"");
 }
 
@@ -78,7 +79,7 @@ TEST(Tree, HasEverythingBelow)
                                                      "  a = string \"x \\\"y\\\"\"\n"
                                                      "  b = int32 -3\n"
                                                      "  Other/\n"
-                                                     "    e = string \"plain\"\n"
+                                                     "    e = string \"plain\" (stored as \"plain\")\n"
                                                      "  Sub/\n"
                                                      "    c = int64 4\n"
                                                      "    Deep/\n"
@@ -101,16 +102,15 @@ TEST(Tree, AnswersInJson)
 TEST(Tree, OfTheTopHasTheWholeFile)
 {
     const Installation installation;
+    installation.store("Software/HALVIK/CurProduct", "5$VORNA");
+    installation.store("Software/HALVIK/VORNA/2026/CurVer", "5$de-DE");
     expectAnswer(installation.run({"tree", "/"}), "/\n"
                                                   "  Software/\n"
                                                   "    HALVIK/\n"
                                                   "      CurProduct = string \"VORNA\"\n"
                                                   "      VORNA/\n"
                                                   "        2026/\n"
-                                                  "          CurVer = string \"en-US\"\n"
-                                                  "          en-US/\n"
-                                                  "            Profiles/\n"
-                                                  "              Profiles = string \"Default\"");
+                                                  "          CurVer = string \"de-DE\"");
 }
 
 TEST(Tree, OfAnAbsentItemIsNotFound)

@@ -76,6 +76,7 @@ TEST(Paths, TellWhatExists)
     EXPECT_FALSE(exists(rows["settings file"]));
     EXPECT_FALSE(exists(rows["help file"]));
     installation.write("en-US/Help/VrHelp.pdf", "%PDF");
+    installation.store("a", "1$1");
     rows = pathsByName(installation);
     EXPECT_TRUE(exists(rows["settings file"]));
     EXPECT_TRUE(exists(rows["help file"]));

@@ -15,6 +15,24 @@ void fill(const Installation& installation)
     installation.store("Demonstration/d", "1$4");
 }
 
+std::vector<std::filesystem::path> backupsOf(const Installation& installation)
+{
+    std::vector<std::filesystem::path> backups;
+    for (const auto& entry : std::filesystem::directory_iterator(installation.settingsFile().parent_path())) {
+        if (entry.path().extension() == ".bak")
+            backups.push_back(entry.path());
+    }
+    return backups;
+}
+
+/// It told these values, and the one backup that there is.
+void expectRemoval(const Installation& installation, const ProcessResult& result, const std::string& lines)
+{
+    const std::vector<std::filesystem::path> backups = backupsOf(installation);
+    ASSERT_EQ(backups.size(), 1U);
+    EXPECT_EQ(answerOf(result), lines + "backup: " + backups.front().string() + "\n");
+}
+
 TEST(Rm, RemovesAValueAndSaysWhatItWas)
 {
     const Installation installation;
@@ -40,9 +58,10 @@ TEST(Rm, OfAValueThatHasAnItemOfItsNameWantsRecursive)
     installation.store("Demo/Sub", "5$beside");
     expectError(installation.run({"rm", "Demo/Sub"}), kFailed, "--recursive");
     EXPECT_EQ(installation.stored("Demo/Sub"), QStringLiteral("5$beside"));
-    expectAnswer(installation.run({"rm", "Demo/Sub", "--recursive"}), "Demo/Sub: string \"beside\" -> absent\n"
-                                                                      "Demo/Sub/b: string \"x\" -> absent\n"
-                                                                      "Demo/Sub/Deep/c: int64 2 -> absent");
+    expectRemoval(installation, installation.run({"rm", "Demo/Sub", "--recursive"}),
+                  "Demo/Sub: string \"beside\" -> absent\n"
+                  "Demo/Sub/Deep/c: int64 2 -> absent\n"
+                  "Demo/Sub/b: string \"x\" -> absent\n");
     EXPECT_TRUE(installation.stored("Demo/Sub").isNull());
     EXPECT_TRUE(installation.stored("Demo/Sub/Deep/c").isNull());
     EXPECT_EQ(installation.stored("Demo/a"), QStringLiteral("1$1"));
@@ -52,9 +71,10 @@ TEST(Rm, RecursiveRemovesEverythingBelowAndNothingBeside)
 {
     const Installation installation;
     fill(installation);
-    expectAnswer(installation.run({"rm", "Demo/", "--recursive"}), "Demo/a: int32 1 -> absent\n"
-                                                                   "Demo/Sub/b: string \"x\" -> absent\n"
-                                                                   "Demo/Sub/Deep/c: int64 2 -> absent");
+    expectRemoval(installation, installation.run({"rm", "Demo/", "--recursive"}),
+                  "Demo/Sub/Deep/c: int64 2 -> absent\n"
+                  "Demo/Sub/b: string \"x\" -> absent\n"
+                  "Demo/a: int32 1 -> absent\n");
     expectError(installation.run({"list", "Demo"}), kNotFound, "there is no such item");
     EXPECT_EQ(installation.stored("Demonstration/d"), QStringLiteral("1$4"));
 }
@@ -70,12 +90,14 @@ TEST(Rm, RecursiveRemovesASingleValueToo)
 TEST(Rm, RemovesAWholeRoot)
 {
     const Installation installation;
-    EXPECT_EQ(installation.run({"set", "@settings/a", "x"}).exitCode, kDone);
-    EXPECT_EQ(installation.run({"set", "@userconfig/b", "y"}).exitCode, kDone);
-    EXPECT_EQ(installation.run({"rm", "@settings", "--recursive"}).exitCode, kDone);
+    installation.store("Software/HALVIK/CurProduct", "5$Else");
+    const std::string product = "--product=VORNA";
+    EXPECT_EQ(installation.run({"set", "@settings/a", "x", product}).exitCode, kDone);
+    EXPECT_EQ(installation.run({"set", "@userconfig/b", "y", product}).exitCode, kDone);
+    EXPECT_EQ(installation.run({"rm", "@settings", "--recursive", product}).exitCode, kDone);
     EXPECT_TRUE(installation.stored(kSettings + "/a").isNull());
     EXPECT_TRUE(installation.stored(kSettings + "/UserConfig/b").isNull());
-    EXPECT_EQ(installation.stored("Software/HALVIK/CurProduct"), QStringLiteral("5$VORNA"));
+    EXPECT_EQ(installation.stored("Software/HALVIK/CurProduct"), QStringLiteral("5$Else"));
 }
 
 TEST(Rm, OfWhatIsAbsentIsNotFound)
@@ -102,9 +124,36 @@ TEST(Rm, AnswersInJson)
     EXPECT_EQ(answer.value(QStringLiteral("path")).toString(), QStringLiteral("Demo/Sub"));
     const QJsonArray removed = answer.value(QStringLiteral("removed")).toArray();
     ASSERT_EQ(removed.size(), 2);
-    EXPECT_EQ(removed.at(0).toObject(), (QJsonObject{{QStringLiteral("path"), QStringLiteral("Demo/Sub/b")},
+    EXPECT_EQ(removed.at(1).toObject(), (QJsonObject{{QStringLiteral("path"), QStringLiteral("Demo/Sub/b")},
                                                      {QStringLiteral("type"), QStringLiteral("string")},
                                                      {QStringLiteral("value"), QStringLiteral("x")}}));
+}
+
+TEST(Rm, OfASubtreeKeepsACopyOfTheSettingsFileAsItWas)
+{
+    const Installation installation;
+    fill(installation);
+    const std::string before = readFile(installation.settingsFile());
+    EXPECT_EQ(installation.run({"rm", "Demo", "--recursive"}).exitCode, kDone);
+    ASSERT_EQ(backupsOf(installation).size(), 1U);
+    EXPECT_EQ(readFile(backupsOf(installation).front()), before);
+}
+
+TEST(Rm, OfASingleValueKeepsNoCopy)
+{
+    const Installation installation;
+    fill(installation);
+    EXPECT_EQ(installation.run({"rm", "Demo/a"}).exitCode, kDone);
+    EXPECT_TRUE(backupsOf(installation).empty());
+}
+
+TEST(Rm, TwiceInASecondKeepsTwoCopies)
+{
+    const Installation installation;
+    fill(installation);
+    EXPECT_EQ(installation.run({"rm", "Demo/Sub", "--recursive"}).exitCode, kDone);
+    EXPECT_EQ(installation.run({"rm", "Demonstration", "--recursive"}).exitCode, kDone);
+    EXPECT_EQ(backupsOf(installation).size(), 2U);
 }
 
 } // namespace

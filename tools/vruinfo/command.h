@@ -14,6 +14,8 @@ enum class Exit : int {
     Failed = 1,   ///< It could not be carried out.
     Misuse = 2,   ///< The command line is wrong; nothing was done.
     NotFound = 3, ///< What was asked for is not there.
+    Warnings = 4, ///< Of `doctor`: something is not as it should be, but works.
+    Errors = 5,   ///< Of `doctor`: something does not work.
 };
 
 class Context;

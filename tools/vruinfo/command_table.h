@@ -13,6 +13,8 @@ constexpr char kProgram[] = "vruinfo";
 [[nodiscard]] Rows<Option> globalOptions();                    ///< Of every command.
 
 /// "vruinfo set PATH VALUE [--type TYPE]"
+/// By name or letter; an option of whatever command. Null when there is none.
+[[nodiscard]] const Option* findOption(const QString& name);
 [[nodiscard]] QString synopsis(const Command& command);
 
 } // namespace vruinfo::tool

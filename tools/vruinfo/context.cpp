@@ -1,7 +1,9 @@
 #include "context.h"
 
+#include "VrPlatformBase/VrPlatformBase.h"
 #include "VrUInfo/ErrorStatus.h"
 #include "VrUInfo/VornaConfig.h"
+#include "settings_names.h"
 #include "text.h"
 
 namespace vruinfo::tool
@@ -44,6 +46,42 @@ QString meaning(unsigned int status)
     }
 }
 
+/// The identity that the options give.
+struct Identity {
+    explicit Identity(const Context& context) :
+        company(context.option("company")), product(context.option("product")), language(context.option("language")),
+        profile(context.option("profile"))
+    {
+    }
+    Given company;
+    Given product;
+    Given language;
+    Given profile;
+};
+
+bool isQuestion(unsigned int style)
+{
+    constexpr unsigned int kButtons = 0xF;
+    return (style & kButtons) == MB_YESNO;
+}
+
+void tell(const wchar_t* text)
+{
+    Printer().error(QStringLiteral("the start says: ") + fromWide(text));
+}
+
+int sayYes(HWND, const wchar_t* text, const wchar_t*, unsigned int style)
+{
+    tell(text);
+    return isQuestion(style) ? IDYES : IDOK;
+}
+
+int sayNo(HWND, const wchar_t* text, const wchar_t*, unsigned int style)
+{
+    tell(text);
+    return isQuestion(style) ? IDNO : IDOK;
+}
+
 } // namespace
 
 std::optional<QString> Context::option(const char* name) const
@@ -52,13 +90,21 @@ std::optional<QString> Context::option(const char* name) const
     return found == m_line.options.constEnd() ? std::nullopt : std::optional<QString>(found.value());
 }
 
-std::optional<Problem> Context::start() const
+void Context::openSettings(Purpose purpose) const
 {
-    const Given company(option("company"));
-    const Given product(option("product"));
-    const Given language(option("language"));
-    const Given profile(option("profile"));
-    const unsigned int status = InitVornConfig(company.text(), product.text(), language.text(), profile.text());
+    if (purpose == Purpose::Look && !g_globalSettings)
+        openSettingsUntouched(SettingsNames::of(*this));
+    const Identity identity(*this);
+    vornConfig()->initRegObject(identity.company.text(), identity.product.text());
+}
+
+std::optional<Problem> Context::start(Purpose purpose) const
+{
+    VrSetMessageBoxHandler(purpose == Purpose::Look ? sayYes : sayNo);
+    openSettings(purpose);
+    const Identity identity(*this);
+    const unsigned int status = InitVornConfig(identity.company.text(), identity.product.text(),
+                                               identity.language.text(), identity.profile.text());
     if (status == Vorn::eOk)
         return std::nullopt;
     return Problem{Exit::Failed,

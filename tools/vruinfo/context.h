@@ -10,6 +10,13 @@
 namespace vruinfo::tool
 {
 
+/// What a command starts the library for.
+enum class Purpose {
+    Look,   ///< To see what a start would do. A question of the start is answered with yes, and told.
+    Change, ///< To change something that depends on the start. A question is answered with no, which ends the process.
+    Run,    ///< As the application: what the start remembers stays in the settings.
+};
+
 class Context final
 {
 public:
@@ -22,9 +29,12 @@ public:
     [[nodiscard]] std::optional<QString> option(const char* name) const; ///< Nothing when not given.
     [[nodiscard]] bool wantsJson() const { return isSet("json"); }
 
-    /// Starts the library with the identity options. A command does this once its arguments are known to be right,
-    /// since a start is written to the settings. \return nothing when it worked
-    [[nodiscard]] std::optional<Problem> start() const;
+    /// Opens the settings of the identity options, without a start. Looking leaves a lock file beside them alone;
+    /// otherwise it counts as left behind, and goes.
+    void openSettings(Purpose purpose) const;
+    /// Starts the library with the identity options. What the start remembers is in memory only: it reaches the file
+    /// with `saveChanges`, or not at all. \return nothing when it worked
+    [[nodiscard]] std::optional<Problem> start(Purpose purpose) const;
 
     /// Tells what went wrong. \return its exit code
     [[nodiscard]] Exit fail(const Problem& problem) const;

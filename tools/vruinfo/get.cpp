@@ -7,17 +7,23 @@ namespace vruinfo::tool
 namespace
 {
 
-/// The value as the type that is asked for.
-Result<VornVariant> inType(const Place& place, const VornVariant& value,
-                           const std::optional<VornVariant::VarType>& type)
+/// The value as the type that is asked for: eight bytes may be meant as a double, and the other way round.
+StoredValue inType(const StoredValue& value, const std::optional<VornVariant::VarType>& type)
 {
-    const VornVariant typed = type == VornVariant::kVarDouble ? asDouble(value) : value;
-    if (typed.type == VornVariant::kVarNone)
+    if (type == VornVariant::kVarDouble)
+        return StoredValue(asDouble(value.value()));
+    return type == VornVariant::kVarBinary ? StoredValue(asBinary(value.value())) : value;
+}
+
+std::optional<Problem> wrongType(const Place& place, const VornVariant& value,
+                                 const std::optional<VornVariant::VarType>& type)
+{
+    if (value.type == VornVariant::kVarNone)
         return Problem{Exit::Failed, QStringLiteral("%1 is of a type that cannot be read").arg(place.path())};
-    if (!type || *type == typed.type)
-        return typed;
+    if (!type || *type == value.type)
+        return std::nullopt;
     return Problem{Exit::Failed,
-                   QStringLiteral("%1 is of type %2, not %3").arg(place.path(), typeName(typed.type), typeName(*type))};
+                   QStringLiteral("%1 is of type %2, not %3").arg(place.path(), typeName(value.type), typeName(*type))};
 }
 
 Result<std::optional<VornVariant::VarType>> askedType(const Context& context)
@@ -30,11 +36,11 @@ Result<std::optional<VornVariant::VarType>> askedType(const Context& context)
     return type ? Result<Asked>(Asked(*type)) : Result<Asked>(type.problem());
 }
 
-void print(const Context& context, const Place& place, const VornVariant& value)
+void print(const Context& context, const Place& place, const StoredValue& value)
 {
     if (!context.wantsJson())
-        return context.printer().line(plainText(value));
-    QJsonObject answer = typedJson(value);
+        return context.printer().line(plainText(value.value()));
+    QJsonObject answer = value.json();
     answer.insert(QStringLiteral("path"), place.path());
     context.printer().json(QJsonDocument(answer));
 }
@@ -46,16 +52,16 @@ Exit runGet(Context& context)
     const auto type = askedType(context);
     if (!type)
         return context.fail(type.problem());
-    const Result<Place> place = startAt(context, TreePath::Kind::Value);
+    const Result<Place> place = placeOf(context, TreePath::Kind::Value, Purpose::Look);
     if (!place)
         return context.fail(place.problem());
-    const std::optional<VornVariant> stored = readValue(*place);
+    const std::optional<StoredValue> stored = readValue(*place);
     if (!stored)
         return context.fail(absent(*place, QStringLiteral("value")));
-    const Result<VornVariant> value = inType(*place, *stored, *type);
-    if (!value)
-        return context.fail(value.problem());
-    print(context, *place, *value);
+    const StoredValue value = inType(*stored, *type);
+    if (const auto problem = wrongType(*place, value.value(), *type))
+        return context.fail(*problem);
+    print(context, *place, value);
     return Exit::Done;
 }
 

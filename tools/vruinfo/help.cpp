@@ -4,6 +4,8 @@
 #include "command_table.h"
 #include "commands.h"
 #include "context.h"
+#include "help_texts.h"
+#include "manual.h"
 #include "text.h"
 
 namespace vruinfo::tool
@@ -12,33 +14,6 @@ namespace
 {
 
 constexpr int kNameWidth = 20;
-
-constexpr char kAbout[] =
-    "Shows and changes what the product-information library knows. The tool belongs into the program directory of an\n"
-    "application, beside its executable: that directory is the installation it tells about. Running it is a start "
-    "like\n"
-    "that of the application, so product and language are remembered for the next start.\n";
-
-constexpr char kTreePaths[] =
-    "Settings tree:\n"
-    "  PATH is a key path from the top, with \"/\" (or \"\\\") between its parts, such as\n"
-    "  Software/HALVIK/VORNA/2026/CurVer, or begins with one of the roots\n"
-    "    @product       Software/<company>/<product>\n"
-    "    @version       @product/<version>\n"
-    "    @language      @version/<language>\n"
-    "    @profiles      @language/Profiles\n"
-    "    @profile       @profiles/<current profile>\n"
-    "    @applications  @language/Applications\n"
-    "    @recent        @language/Recent File List\n"
-    "    @settings      @language/Settings\n"
-    "    @userconfig    @settings/UserConfig\n"
-    "  For a value, the last part is its name. A value whose name is empty or holds a separator cannot be addressed.\n";
-
-constexpr char kExitCodes[] = "Exit codes:\n"
-                              "  0  done\n"
-                              "  1  failed\n"
-                              "  2  wrong command line, nothing was done\n"
-                              "  3  not found\n";
 
 void printText(Printer& printer, const char* lines)
 {
@@ -83,16 +58,16 @@ void printExamples(Printer& printer, const Command& command)
 void printGeneralHelp(Printer& printer)
 {
     printer.line(QStringLiteral("Usage: %1 COMMAND [ARGUMENT...] [OPTION...]\n").arg(text(kProgram)));
-    printText(printer, kAbout);
+    printText(printer, aboutText());
     printer.line(QStringLiteral("\nCommands:"));
     for (const Command& command : commands())
         printRow(printer, text(command.name), command.summary);
     printer.line(QStringLiteral("\nOptions of every command:"));
     printOptions(printer, globalOptions());
     printer.line(QString());
-    printText(printer, kTreePaths);
+    printText(printer, treePathsText());
     printer.line(QString());
-    printText(printer, kExitCodes);
+    printText(printer, exitCodesText());
 }
 
 void printCommandHelp(Printer& printer, const Command& command)
@@ -108,7 +83,7 @@ void printCommandHelp(Printer& printer, const Command& command)
     printOptions(printer, globalOptions());
     printExamples(printer, command);
     printer.line(QString());
-    printText(printer, kExitCodes);
+    printText(printer, exitCodesText());
 }
 
 void printVersion(Printer& printer)
@@ -119,6 +94,10 @@ void printVersion(Printer& printer)
 
 Exit runHelp(Context& context)
 {
+    if (context.isSet("man")) {
+        context.printer().bytes(manualPage().toUtf8());
+        return Exit::Done;
+    }
     if (!context.hasArgument(0)) {
         printGeneralHelp(context.printer());
         return Exit::Done;

@@ -159,7 +159,7 @@ void printJson(Printer& printer)
 
 Exit runIdentity(Context& context)
 {
-    if (const auto problem = context.start())
+    if (const auto problem = context.start(Purpose::Look))
         return context.fail(*problem);
     if (context.wantsJson())
         printJson(context.printer());

@@ -112,7 +112,7 @@ void printJson(Printer& printer, const std::vector<Row>& rows)
 
 Exit runLanguages(Context& context)
 {
-    if (const auto problem = context.start())
+    if (const auto problem = context.start(Purpose::Look))
         return context.fail(*problem);
     std::vector<Row> rows;
     rows.reserve(kVornLanguageCount);

@@ -20,8 +20,8 @@ void printLines(Printer& printer, const ItemContent& content)
     for (const QString& item : content.items)
         printer.line(padded(QStringLiteral("item"), kTypeWidth) + item + QLatin1Char('/'));
     for (const NamedValue& row : content.values) {
-        const QString type = padded(typeName(row.value.type), kTypeWidth);
-        printer.line(type + row.name + QStringLiteral(" = ") + lineText(row.value));
+        const QString type = padded(typeName(row.value.value().type), kTypeWidth);
+        printer.line(type + row.name + QStringLiteral(" = ") + lineText(row.value.value()));
     }
 }
 
@@ -29,7 +29,7 @@ void printJson(Printer& printer, const Place& place, const ItemContent& content)
 {
     QJsonArray values;
     for (const NamedValue& row : content.values) {
-        QJsonObject value = typedJson(row.value);
+        QJsonObject value = row.value.json();
         value.insert(QStringLiteral("name"), row.name);
         values.append(value);
     }
@@ -44,7 +44,7 @@ void printJson(Printer& printer, const Place& place, const ItemContent& content)
 
 Exit runList(Context& context)
 {
-    const Result<Place> place = startAt(context, TreePath::Kind::Item);
+    const Result<Place> place = placeOf(context, TreePath::Kind::Item, Purpose::Look);
     if (!place)
         return context.fail(place.problem());
     const ItemContent content = readItem(*place);

@@ -1,10 +1,11 @@
 // vruinfo: product information and settings on the command line.
+#include <cstdlib>
 #include <memory>
+#include <new>
 
 #include <QtCore/QTextCodec>
 
 #include "VrPlatformBase/VrPlatformBase.h"
-#include "VrUInfo/VornaConfig.h"
 #include "command_line.h"
 #include "context.h"
 #include "help.h"
@@ -70,6 +71,9 @@ Exit runGuarded(int count, char** arguments, Printer& printer)
         const std::unique_ptr<VrErrorStatus> status(thrown);
         printer.error(QStringLiteral("out of memory (status %1)").arg(status->status()));
         return Exit::Failed;
+    } catch (const std::bad_alloc&) {
+        printer.error(QStringLiteral("out of memory; nothing was changed"));
+        return Exit::Failed;
     }
 }
 
@@ -83,7 +87,6 @@ int main(int argc, char** argv)
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     Printer printer;
     const Exit exit = printer.finish(runGuarded(argc, argv, printer));
-    // Now and not when the process tears down: by then the codec may be gone, and file names would be others.
-    vornConfig()->uinitRegObject();
-    return static_cast<int>(exit);
+    // What is to be kept has been saved by now: looking changes nothing, and a start leaves no trace of itself.
+    std::_Exit(static_cast<int>(exit));
 }

@@ -3,71 +3,65 @@
 #include <QtCore/QJsonArray>
 
 #include "store.h"
-#include "value_text.h"
+#include "tree_snapshot.h"
 
 namespace vruinfo::tool
 {
 namespace
 {
 
-/// A value that goes, by its full path.
-struct Removed {
-    QString path;
-    VornVariant value;
+/// What was removed, and where it can be had from again.
+struct Removal {
+    Place place;
+    Snapshot values;
+    QString backup; ///< Empty when none was made.
 };
 
-void collect(const Place& item, std::vector<Removed>& removed)
+void printLines(Printer& printer, const Removal& removal)
 {
-    const ItemContent content = readItem(item);
-    for (const NamedValue& row : content.values)
-        removed.push_back({item.path() + QLatin1Char('/') + row.name, row.value});
-    for (const QString& name : content.items) {
-        if (const std::optional<Place> below = item.below(name))
-            collect(*below, removed);
-    }
+    for (auto row = removal.values.cbegin(); row != removal.values.cend(); ++row)
+        printer.line(QStringLiteral("%1: %2 -> absent").arg(joined(removal.place, row.key()), row->text()));
+    if (!removal.backup.isEmpty())
+        printer.line(QStringLiteral("backup: %1").arg(removal.backup));
 }
 
-/// The value at the place and the values below it.
-std::vector<Removed> valuesAt(const Place& place)
+void printJson(Printer& printer, const Removal& removal)
 {
-    std::vector<Removed> removed;
-    if (const std::optional<VornVariant> value = readValue(place))
-        removed.push_back({place.path(), *value});
-    collect(place, removed);
-    return removed;
-}
-
-void print(const Context& context, const Place& place, const std::vector<Removed>& removed)
-{
-    if (!context.wantsJson()) {
-        for (const Removed& row : removed)
-            context.printer().line(QStringLiteral("%1: ").arg(row.path) + typedText(row.value) +
-                                   QStringLiteral(" -> absent"));
-        return;
-    }
     QJsonArray values;
-    for (const Removed& row : removed) {
-        QJsonObject value = typedJson(row.value);
-        value.insert(QStringLiteral("path"), row.path);
+    for (auto row = removal.values.cbegin(); row != removal.values.cend(); ++row) {
+        QJsonObject value = row->json();
+        insertText(value, QStringLiteral("path"), joined(removal.place, row.key()));
         values.append(value);
     }
-    context.printer().json(
-        QJsonDocument(QJsonObject{{QStringLiteral("path"), place.path()}, {QStringLiteral("removed"), values}}));
+    printer.json(QJsonDocument(
+        QJsonObject{{QStringLiteral("path"), removal.place.path()},
+                    {QStringLiteral("removed"), values},
+                    {QStringLiteral("backup"), removal.backup.isEmpty() ? QJsonValue() : removal.backup}}));
+}
+
+bool isSingleValue(const Snapshot& values)
+{
+    return values.size() == 1 && values.contains(QString());
 }
 
 Exit remove(const Context& context, const Place& place)
 {
-    const bool hasContent = !readItem(place).isEmpty();
-    if (!hasContent && !readValue(place))
+    Removal removal{place, liveSnapshot(place), {}};
+    if (removal.values.isEmpty())
         return context.fail(absent(place, QStringLiteral("value or item")));
-    if (hasContent && !context.isSet("recursive"))
-        return context.fail(
-            {Exit::Failed, QStringLiteral("%1 is an item with content; --recursive removes it").arg(place.path())});
-    const std::vector<Removed> removed = valuesAt(place);
+    if (!isSingleValue(removal.values)) {
+        if (!context.isSet("recursive"))
+            return context.fail(
+                {Exit::Failed, QStringLiteral("%1 is an item with content; --recursive removes it").arg(place.path())});
+        const Result<QString> backup = backUp();
+        if (!backup)
+            return context.fail(backup.problem());
+        removal.backup = *backup;
+    }
     removeAll(place);
     if (const auto problem = saveChanges(context.printer()))
         return context.fail(*problem);
-    print(context, place, removed);
+    context.wantsJson() ? printJson(context.printer(), removal) : printLines(context.printer(), removal);
     return Exit::Done;
 }
 
@@ -75,7 +69,7 @@ Exit remove(const Context& context, const Place& place)
 
 Exit runRm(Context& context)
 {
-    const Result<Place> place = startAt(context, TreePath::Kind::Named);
+    const Result<Place> place = placeOf(context, TreePath::Kind::Named, Purpose::Change);
     if (!place)
         return context.fail(place.problem());
     return remove(context, *place);

@@ -7,39 +7,31 @@ namespace vruinfo::tool
 namespace
 {
 
-/// A value of the store, shown as the type that is being written where its bytes allow that.
-VornVariant shownAs(VornVariant::VarType type, const VornVariant& value)
-{
-    return type == VornVariant::kVarDouble ? asDouble(value) : value;
-}
-
-void print(const Context& context, const Place& place, const std::optional<VornVariant>& before,
-           const VornVariant& after)
+void print(const Context& context, const Place& place, const std::optional<StoredValue>& before,
+           const StoredValue& after)
 {
     if (!context.wantsJson()) {
-        const QString old = before ? typedText(*before) : QStringLiteral("absent");
-        return context.printer().line(QStringLiteral("%1: %2 -> ").arg(place.path(), old) + typedText(after));
+        const QString old = before ? before->text() : QStringLiteral("absent");
+        return context.printer().line(QStringLiteral("%1: %2 -> ").arg(place.path(), old) + after.text());
     }
     context.printer().json(QJsonDocument(QJsonObject{
         {QStringLiteral("path"), place.path()},
-        {QStringLiteral("old"), before ? QJsonValue(typedJson(*before)) : QJsonValue()},
-        {QStringLiteral("new"), typedJson(after)},
+        {QStringLiteral("old"), before ? QJsonValue(before->json()) : QJsonValue()},
+        {QStringLiteral("new"), after.json()},
     }));
 }
 
 Exit write(const Context& context, const Place& place, const VornVariant& value)
 {
-    std::optional<VornVariant> before = readValue(place);
+    const std::optional<StoredValue> before = readValue(place);
     if (const auto problem = writeValue(place, value))
         return context.fail(*problem);
     if (const auto problem = saveChanges(context.printer()))
         return context.fail(*problem);
-    const std::optional<VornVariant> after = readValue(place);
+    const std::optional<StoredValue> after = readValue(place);
     if (!after)
         return context.fail({Exit::Failed, QStringLiteral("%1 was written but does not read back").arg(place.path())});
-    if (before)
-        before = shownAs(value.type, *before);
-    print(context, place, before, shownAs(value.type, *after));
+    print(context, place, before, *after);
     return Exit::Done;
 }
 
@@ -53,7 +45,7 @@ Exit runSet(Context& context)
     const Result<VornVariant> value = parseValue(*type, context.argument(1));
     if (!value)
         return context.fail(value.problem());
-    const Result<Place> place = startAt(context, TreePath::Kind::Value);
+    const Result<Place> place = placeOf(context, TreePath::Kind::Value, Purpose::Change);
     if (!place)
         return context.fail(place.problem());
     return write(context, *place, *value);

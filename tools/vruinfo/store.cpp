@@ -2,11 +2,16 @@
 
 #include <algorithm>
 
+#include <QtCore/QDateTime>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
 
 #include "VrUInfo/VornaConfig.h"
+#include "identity_values.h"
+#include "saved_form.h"
 #include "text.h"
+#include "tree_snapshot.h"
 
 namespace vruinfo::tool
 {
@@ -50,11 +55,6 @@ QStringList namesIn(const Place& item)
     return names;
 }
 
-QString settingsFile()
-{
-    return g_globalSettings->fileName();
-}
-
 Problem notWritten()
 {
     return {Exit::Failed,
@@ -63,35 +63,63 @@ Problem notWritten()
                 .arg(settingsFile())};
 }
 
-} // namespace
+/// Names that a backup can have within one second.
+constexpr int kMostBackups = 100;
 
-Result<Place> startAt(const Context& context, TreePath::Kind kind)
+QString backupName(int attempt)
 {
-    const Result<TreePath> path = TreePath::parse(context.argument(0), kind);
-    if (!path)
-        return path.problem();
-    if (const auto problem = context.start())
-        return *problem;
-    return path->resolve();
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    const QString number = attempt == 0 ? QString() : QLatin1Char('-') + QString::number(attempt);
+    return settingsFile() + QLatin1Char('.') + stamp + number + QStringLiteral(".bak");
 }
 
-std::optional<VornVariant> readValue(const Place& place)
+/// Whether what a start writes there could be taken for what stood there before.
+bool mayMeetIdentity(const TreePath& path, TreePath::Kind kind)
 {
-    VornVariant value;
-    if (vornConfig()->getValue(place.wideGroup().c_str(), place.wideName().c_str(), value) != Vorn::eOk)
-        return std::nullopt;
-    return value;
+    return kind != TreePath::Kind::Value || isIdentityName(path.lastName());
+}
+
+Result<Place> placeOfStart(const Context& context, const TreePath& path, TreePath::Kind kind, Purpose purpose)
+{
+    // Looking for them takes a pass over all values: a plain value is read without.
+    const bool isAsItWas = purpose != Purpose::Look || mayMeetIdentity(path, kind);
+    const std::optional<IdentityValues> before = isAsItWas ? std::make_optional<IdentityValues>() : std::nullopt;
+    if (const auto problem = context.start(purpose))
+        return *problem;
+    Result<Place> place = path.resolve();
+    if (before)
+        before->putBack();
+    return place;
+}
+
+} // namespace
+
+Result<Place> placeOf(const Context& context, const QString& text, TreePath::Kind kind, Purpose purpose)
+{
+    const Result<TreePath> path = TreePath::parse(text, kind);
+    if (!path)
+        return path.problem();
+    context.openSettings(purpose);
+    return path->needsStart() ? placeOfStart(context, *path, kind, purpose) : path->resolve();
+}
+
+Result<Place> placeOf(const Context& context, TreePath::Kind kind, Purpose purpose)
+{
+    return placeOf(context, context.argument(0), kind, purpose);
+}
+
+std::optional<StoredValue> readValue(const Place& place)
+{
+    const QVariant stored = g_globalSettings->value(place.path());
+    return stored.isValid() ? std::optional<StoredValue>(stored) : std::nullopt;
 }
 
 ItemContent readItem(const Place& place)
 {
     ItemContent content;
     content.items = namesIn<VornaConfig::ItemIterator>(place);
-    for (const QString& name : namesIn<VornaConfig::ValueIterator>(place)) {
-        VornVariant value;
-        vornConfig()->getValue(place.widePath().c_str(), toWide(name).c_str(), value);
-        content.values.push_back({name, std::move(value)});
-    }
+    for (const QString& name : namesIn<VornaConfig::ValueIterator>(place))
+        content.values.push_back({name, StoredValue(g_globalSettings->value(joined(place, name)))});
     return content;
 }
 
@@ -108,8 +136,33 @@ void removeAll(const Place& place)
     RegDeleteKeyAndAllSubkeys(place.path());
 }
 
+QString settingsFile()
+{
+    return g_globalSettings->fileName();
+}
+
+Result<QString> backUp()
+{
+    if (!QFileInfo::exists(settingsFile()))
+        return QString();
+    for (int attempt = 0; attempt < kMostBackups; ++attempt) {
+        const QString name = backupName(attempt);
+        if (QFileInfo::exists(name))
+            continue;
+        if (QFile::copy(settingsFile(), name))
+            return name;
+        break;
+    }
+    return Problem{Exit::Failed,
+                   QStringLiteral("no backup of the settings file %1 could be made, nothing was changed; see that its "
+                                  "directory is writable for this user and that the disk has room")
+                       .arg(settingsFile())};
+}
+
 std::optional<Problem> saveChanges(Printer& printer)
 {
+    if (auto problem = foreignValueInSettings())
+        return problem;
     g_globalSettings->sync();
     if (g_globalSettings->status() == QSettings::AccessError)
         return notWritten();

@@ -19,7 +19,7 @@ void printLines(Printer& printer, const Place& item, int depth)
     const QString indent(depth * kIndent, QLatin1Char(' '));
     const ItemContent content = readItem(item);
     for (const NamedValue& row : content.values)
-        printer.line(indent + row.name + QStringLiteral(" = ") + typedText(row.value));
+        printer.line(indent + row.name + QStringLiteral(" = ") + row.value.text());
     for (const QString& name : content.items) {
         printer.line(indent + name + QLatin1Char('/'));
         const std::optional<Place> below = item.below(name);
@@ -35,7 +35,7 @@ QJsonObject jsonOf(const Place& item)
     const ItemContent content = readItem(item);
     QJsonArray values;
     for (const NamedValue& row : content.values) {
-        QJsonObject value = typedJson(row.value);
+        QJsonObject value = row.value.json();
         value.insert(QStringLiteral("name"), row.name);
         values.append(value);
     }
@@ -64,7 +64,7 @@ void print(const Context& context, const Place& place)
 
 Exit runTree(Context& context)
 {
-    const Result<Place> place = startAt(context, TreePath::Kind::Item);
+    const Result<Place> place = placeOf(context, TreePath::Kind::Item, Purpose::Look);
     if (!place)
         return context.fail(place.problem());
     if (readItem(*place).isEmpty())

@@ -80,6 +80,14 @@ QString rootText(VornaConfig::Path root)
 
 } // namespace
 
+QStringList rootSelectors()
+{
+    QStringList selectors;
+    for (const Root& root : kRoots)
+        selectors.append(text(root.selector) + kSeparator);
+    return selectors;
+}
+
 std::wstring Place::wideName() const
 {
     return toWide(name());

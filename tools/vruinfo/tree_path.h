@@ -35,6 +35,9 @@ private:
     QString m_path;
 };
 
+/// The words that a path may begin with.
+[[nodiscard]] QStringList rootSelectors();
+
 /// A path argument: an optional root, and names.
 class TreePath final
 {
@@ -46,7 +49,10 @@ public:
     };
 
     [[nodiscard]] static Result<TreePath> parse(const QString& text, Kind kind);
-    /// Needs a started library.
+    /// Whether it begins with a root, which only a start makes known.
+    [[nodiscard]] bool needsStart() const { return m_root.has_value(); }
+    [[nodiscard]] QString lastName() const { return m_names.isEmpty() ? QString() : m_names.constLast(); }
+    /// Needs a started library where it begins with a root.
     [[nodiscard]] Result<Place> resolve() const;
 
 private:

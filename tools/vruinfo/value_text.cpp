@@ -29,16 +29,6 @@ constexpr std::array<TypeName, 5> kTypes = {{
 
 constexpr std::size_t kSizeWord = sizeof(std::uint32_t);
 
-/// The bytes behind the size word.
-QByteArray payload(const VornVariant& value)
-{
-    if (!value.data)
-        return {};
-    std::uint32_t size = 0;
-    std::memcpy(&size, value.data, sizeof size);
-    return {static_cast<const char*>(value.data) + kSizeWord, static_cast<int>(size - kSizeWord)};
-}
-
 VornVariant withPayload(VornVariant::VarType type, const QByteArray& bytes)
 {
     VornVariant value;
@@ -52,7 +42,7 @@ template <typename Number>
 Number numberOf(const VornVariant& value)
 {
     Number number{};
-    const QByteArray bytes = payload(value);
+    const QByteArray bytes = payloadOf(value);
     std::memcpy(&number, bytes.constData(), std::min(sizeof number, static_cast<std::size_t>(bytes.size())));
     return number;
 }
@@ -101,7 +91,7 @@ QString doubleText(double number)
 
 QString stringOf(const VornVariant& value)
 {
-    const QByteArray bytes = payload(value);
+    const QByteArray bytes = payloadOf(value);
     std::wstring text(static_cast<std::size_t>(bytes.size()) / sizeof(wchar_t), L'\0');
     std::memcpy(text.data(), bytes.constData(), text.size() * sizeof(wchar_t));
     if (!text.empty())
@@ -121,6 +111,15 @@ QJsonValue jsonValue(const VornVariant& value)
 
 } // namespace
 
+QByteArray payloadOf(const VornVariant& value)
+{
+    if (!value.data)
+        return {};
+    std::uint32_t size = 0;
+    std::memcpy(&size, value.data, sizeof size);
+    return {static_cast<const char*>(value.data) + kSizeWord, static_cast<int>(size - kSizeWord)};
+}
+
 QString typeName(VornVariant::VarType type)
 {
     for (const TypeName& row : kTypes) {
@@ -128,6 +127,14 @@ QString typeName(VornVariant::VarType type)
             return text(row.name);
     }
     return QStringLiteral("unknown");
+}
+
+QStringList typeNames()
+{
+    QStringList names;
+    for (const TypeName& row : kTypes)
+        names.append(text(row.name));
+    return names;
 }
 
 Result<VornVariant::VarType> typeFromName(const QString& name)
@@ -161,9 +168,14 @@ Result<VornVariant> parseValue(VornVariant::VarType type, const QString& text)
 
 VornVariant asDouble(const VornVariant& value)
 {
-    const QByteArray bytes = payload(value);
+    const QByteArray bytes = payloadOf(value);
     const bool isDouble = value.type == VornVariant::kVarBinary && bytes.size() == static_cast<int>(sizeof(double));
     return isDouble ? withPayload(VornVariant::kVarDouble, bytes) : value;
+}
+
+VornVariant asBinary(const VornVariant& value)
+{
+    return value.type == VornVariant::kVarDouble ? withPayload(VornVariant::kVarBinary, payloadOf(value)) : value;
 }
 
 QString plainText(const VornVariant& value)
@@ -176,7 +188,7 @@ QString plainText(const VornVariant& value)
     case VornVariant::kVarDouble:
         return doubleText(numberOf<double>(value));
     case VornVariant::kVarBinary:
-        return QString::fromLatin1(payload(value).toHex());
+        return QString::fromLatin1(payloadOf(value).toHex());
     case VornVariant::kVarString:
         return stringOf(value);
     default:

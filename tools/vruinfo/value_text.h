@@ -3,8 +3,9 @@
 
 #include <optional>
 
+#include <QtCore/QByteArray>
 #include <QtCore/QJsonObject>
-#include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include "VrUInfo/VornVariant.h"
 #include "result.h"
@@ -12,7 +13,11 @@
 namespace vruinfo::tool
 {
 
+/// The bytes behind the size word.
+[[nodiscard]] QByteArray payloadOf(const VornVariant& value);
+
 [[nodiscard]] QString typeName(VornVariant::VarType type);
+[[nodiscard]] QStringList typeNames();
 [[nodiscard]] Result<VornVariant::VarType> typeFromName(const QString& name);
 
 /// The value that a text stands for.
@@ -20,6 +25,8 @@ namespace vruinfo::tool
 
 /// Eight bytes as the double that they are; every other value as it is.
 [[nodiscard]] VornVariant asDouble(const VornVariant& value);
+/// A double as its eight bytes; every other value as it is.
+[[nodiscard]] VornVariant asBinary(const VornVariant& value);
 
 [[nodiscard]] QString plainText(const VornVariant& value);
 [[nodiscard]] QString

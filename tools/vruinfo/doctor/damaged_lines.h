@@ -1,0 +1,15 @@
+// Lines of a settings file that the settings library takes for no settings, and drops when it writes the file.
+#pragma once
+
+#include <vector>
+
+#include <QtCore/QByteArray>
+
+namespace vruinfo::tool::doctor
+{
+
+/// The numbers of lines that are neither a group's beginning nor a key with a value, the first being 1. A text in
+/// quotes may go over several lines; the first counts.
+[[nodiscard]] std::vector<int> damagedLines(const QByteArray& bytes);
+
+} // namespace vruinfo::tool::doctor

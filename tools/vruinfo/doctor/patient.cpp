@@ -1,0 +1,26 @@
+#include "doctor/patient.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QStandardPaths>
+
+namespace vruinfo::tool::doctor
+{
+namespace
+{
+
+QFileInfo executable()
+{
+    return QFileInfo(QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget());
+}
+
+} // namespace
+
+Patient::Patient(const Context& context) :
+    installation(executable().path()), program(executable().fileName()), names(SettingsNames::of(context)),
+    settingsFile(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QLatin1Char('/') +
+                 names.file()),
+    trial(Trial::of(context))
+{
+}
+
+} // namespace vruinfo::tool::doctor
