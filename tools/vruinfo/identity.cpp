@@ -49,7 +49,7 @@ constexpr std::array<OriginRow, 6> kOrigins = {{
     {VornOrigin::Settings, "settings", "remembered in the settings: %1"},
     {VornOrigin::IniFile, "ini", "from the INI file: %1"},
     {VornOrigin::Default, "default", "built in"},
-    {VornOrigin::Asked, "asked", "agreed to in the message box"},
+    {VornOrigin::Asked, "asked", "the application asks the user for it; here the answer was yes"},
     {VornOrigin::ResourceLibrary, "library", "from the resource library: %1"},
 }};
 
