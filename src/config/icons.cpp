@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include "companion_file.h"
 #include "icons/icon_factory.h"
 
 namespace vruinfo::internal
@@ -9,9 +10,15 @@ namespace vruinfo::internal
 namespace
 {
 
-/// The library lies beside this one, or in a folder of ours there (the run path says so), and stays loaded.
+/// Null when it is not there or cannot be loaded.
+void* loadLibrary()
+{
+    const std::optional<std::string> path = vrplatformbase::internal::findCompanion(kIconLibrary);
+    return path ? dlopen(path->c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE) : nullptr;
+}
+
 struct IconLibrary {
-    void* handle = dlopen(kIconLibrary, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    void* handle = loadLibrary();
     MakeIcon make = function<MakeIcon>(kMakeIcon);
     DeleteIcon destroy = function<DeleteIcon>(kDeleteIcon);
 

@@ -1,6 +1,5 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
-#include <QtCore/QLibraryInfo>
 #include <QtCore/QStandardPaths>
 
 #include "doctor/checks.h"
@@ -17,12 +16,10 @@ QStringList filesBehind(const Patient& patient)
     QStringList directories = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
     QStringList files{directories.isEmpty() ? QString()
                                             : directories.takeFirst() + QLatin1Char('/') + patient.names.sharedFile()};
-    directories.prepend(QLibraryInfo::location(QLibraryInfo::SettingsPath));
-    for (const QString& directory : directories) {
-        files.append(directory + QLatin1Char('/') + patient.names.file());
-        files.append(directory + QLatin1Char('/') + patient.names.sharedFile());
+    for (const QString& name : {patient.names.file(), patient.names.sharedFile()}) {
+        for (const QString& directory : directories)
+            files.append(directory + QLatin1Char('/') + name);
     }
-    files.removeDuplicates();
     return files;
 }
 
