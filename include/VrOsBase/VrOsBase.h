@@ -21,64 +21,65 @@
 #if defined(VROSBASE_STATIC)
 #define VROSBASE_API
 #else
+/// What stands before each function that leaves the library.
 #define VROSBASE_API __attribute__((visibility("default")))
 #endif
 
-typedef int BOOL;
-typedef unsigned int UINT;
-typedef std::uint32_t DWORD;
-typedef std::int32_t LONG;
-typedef LONG LSTATUS;
-typedef LONG HRESULT;
-typedef DWORD REGSAM;
-typedef void* HANDLE;
-typedef void* HMODULE; ///< of a loaded shared library
-typedef HMODULE HINSTANCE;
-typedef void* HWND;
-typedef void* HKEY;
-typedef void* LPVOID;
-typedef wchar_t WCHAR;
-typedef wchar_t* LPWSTR;
-typedef wchar_t* PWSTR;
-typedef const wchar_t* LPCWSTR;
-typedef const wchar_t* PCWSTR;
-typedef DWORD* LPDWORD;
-typedef HKEY* PHKEY;
+typedef int BOOL;               ///< Zero is false, everything else true.
+typedef unsigned int UINT;      ///< 32 bits.
+typedef std::uint32_t DWORD;    ///< 32 bits, without a sign.
+typedef std::int32_t LONG;      ///< 32 bits, with a sign.
+typedef LONG LSTATUS;           ///< What a registry function gives back: 0 or an error.
+typedef LONG HRESULT;           ///< What a folder function gives back: not negative is success.
+typedef DWORD REGSAM;           ///< Rights that a key is opened with.
+typedef void* HANDLE;           ///< Of a listing.
+typedef void* HMODULE;          ///< of a loaded shared library
+typedef HMODULE HINSTANCE;      ///< As HMODULE.
+typedef void* HWND;             ///< Of a window; nothing here looks at it.
+typedef void* HKEY;             ///< Of a registry key.
+typedef void* LPVOID;           ///< Anything.
+typedef wchar_t WCHAR;          ///< A code point.
+typedef wchar_t* LPWSTR;        ///< A text, or the buffer for one.
+typedef wchar_t* PWSTR;         ///< As LPWSTR.
+typedef const wchar_t* LPCWSTR; ///< A text that is only read.
+typedef const wchar_t* PCWSTR;  ///< As LPCWSTR.
+typedef DWORD* LPDWORD;         ///< A number that is written.
+typedef HKEY* PHKEY;            ///< A key that is written.
 
 #ifndef TRUE
-#define TRUE 1
+#define TRUE 1 ///< Of BOOL.
 #endif
 #ifndef FALSE
-#define FALSE 0
+#define FALSE 0 ///< Of BOOL.
 #endif
 
 /// Characters, terminator included, of the buffers that the folder functions fill without asking for a size.
 constexpr std::size_t kVrPathCapacity = 1024;
 
-constexpr DWORD ERROR_SUCCESS = 0;
-constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
-constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
-constexpr DWORD ERROR_ACCESS_DENIED = 5;
-constexpr DWORD ERROR_INVALID_HANDLE = 6;
-constexpr DWORD ERROR_NO_MORE_FILES = 18;
-constexpr DWORD ERROR_INVALID_PARAMETER = 87;
-constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
-constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
-constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
-constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
-constexpr DWORD ERROR_MORE_DATA = 234;
-constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
-constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
+constexpr DWORD ERROR_SUCCESS = 0;                    ///< No error.
+constexpr DWORD ERROR_FILE_NOT_FOUND = 2;             ///< No such file, key or match.
+constexpr DWORD ERROR_PATH_NOT_FOUND = 3;             ///< No such directory.
+constexpr DWORD ERROR_ACCESS_DENIED = 5;              ///< Not allowed, or not of that kind.
+constexpr DWORD ERROR_INVALID_HANDLE = 6;             ///< Not a handle of that kind.
+constexpr DWORD ERROR_NO_MORE_FILES = 18;             ///< Behind the last entry.
+constexpr DWORD ERROR_INVALID_PARAMETER = 87;         ///< An argument that cannot be.
+constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;      ///< A path was cut.
+constexpr DWORD ERROR_MOD_NOT_FOUND = 126;            ///< No such module.
+constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;            ///< A directory has content.
+constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;     ///< A path is too long.
+constexpr DWORD ERROR_MORE_DATA = 234;                ///< A text was cut, or does not fit.
+constexpr DWORD ERROR_NO_MORE_ITEMS = 259;            ///< Behind the last key.
+constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814; ///< No such text.
 
-constexpr HRESULT S_OK = 0;
-constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);
-constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);
+constexpr HRESULT S_OK = 0;                                        ///< Done.
+constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);       ///< Failed.
+constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057); ///< An argument that cannot be.
 
-constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;
-constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
-constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;  ///< May not be written.
+constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10; ///< A directory.
+constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;    ///< None of the others.
 
-constexpr DWORD DONT_RESOLVE_DLL_REFERENCES = 0x01;
+constexpr DWORD DONT_RESOLVE_DLL_REFERENCES = 0x01; ///< For LoadLibraryExW: functions are bound on first use.
 
 constexpr int CSIDL_PERSONAL = 5;         ///< the user's documents directory (xdg-user-dirs)
 constexpr int CSIDL_APPDATA = 26;         ///< the user's configuration directory (XDG)
@@ -86,16 +87,19 @@ constexpr int CSIDL_LOCAL_APPDATA = 28;   ///< the user's data directory (XDG)
 constexpr int CSIDL_PROFILE = 40;         ///< the home directory
 constexpr int CSIDL_FLAG_CREATE = 0x8000; ///< make the directory if it is missing
 
-constexpr REGSAM KEY_READ = 0x20019;
-constexpr REGSAM KEY_WRITE = 0x20006;
-constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
-constexpr DWORD REG_CREATED_NEW_KEY = 1;
-constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
+constexpr REGSAM KEY_READ = 0x20019;         ///< To read.
+constexpr REGSAM KEY_WRITE = 0x20006;        ///< To write.
+constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;   ///< Both.
+constexpr DWORD REG_CREATED_NEW_KEY = 1;     ///< The key was made.
+constexpr DWORD REG_OPENED_EXISTING_KEY = 2; ///< The key was there.
 
 // NOLINTBEGIN(performance-no-int-to-ptr) predefined keys are such values in the documentation
+/// The predefined key of the user.
 #define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000001u)))
+/// The predefined key of the machine, kept for the user, too.
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000002u)))
 // NOLINTEND(performance-no-int-to-ptr)
+/// What FindFirstFileW gives where there is nothing.
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
 
 /// One entry of a directory listing.
@@ -105,7 +109,7 @@ struct WIN32_FIND_DATAW {
     DWORD nFileSizeLow;     ///< lower half of the size in bytes
     WCHAR cFileName[260];   ///< the entry's own name, without its directory
 };
-typedef WIN32_FIND_DATAW* LPWIN32_FIND_DATAW;
+typedef WIN32_FIND_DATAW* LPWIN32_FIND_DATAW; ///< An entry that is written.
 
 /// One row of a resource library's string table. A resource library exports the two symbols
 /// `VrResourceStrings` (rows in ascending order of id, each id once) and `VrResourceStringCount`.

@@ -15,25 +15,26 @@
 #if defined(VRPLATFORMBASE_STATIC)
 #define VRPLATFORMBASE_API
 #else
+/// What stands before each function that leaves the library.
 #define VRPLATFORMBASE_API __attribute__((visibility("default")))
 #endif
 
 /// \name Message box styles and answers (Win32 numbers)
 /// @{
-constexpr UINT MB_OK = 0x00;
-constexpr UINT MB_OKCANCEL = 0x01;
-constexpr UINT MB_YESNOCANCEL = 0x03;
-constexpr UINT MB_YESNO = 0x04;
-constexpr UINT MB_RETRYCANCEL = 0x05;
-constexpr UINT MB_ICONERROR = 0x10;
-constexpr UINT MB_ICONQUESTION = 0x20;
-constexpr UINT MB_ICONWARNING = 0x30;
-constexpr UINT MB_ICONINFORMATION = 0x40;
-constexpr int IDOK = 1;
-constexpr int IDCANCEL = 2;
-constexpr int IDRETRY = 4;
-constexpr int IDYES = 6;
-constexpr int IDNO = 7;
+constexpr UINT MB_OK = 0x00;              ///< Button OK.
+constexpr UINT MB_OKCANCEL = 0x01;        ///< Buttons OK and Cancel.
+constexpr UINT MB_YESNOCANCEL = 0x03;     ///< Buttons Yes, No and Cancel.
+constexpr UINT MB_YESNO = 0x04;           ///< Buttons Yes and No.
+constexpr UINT MB_RETRYCANCEL = 0x05;     ///< Buttons Retry and Cancel.
+constexpr UINT MB_ICONERROR = 0x10;       ///< An error.
+constexpr UINT MB_ICONQUESTION = 0x20;    ///< A question.
+constexpr UINT MB_ICONWARNING = 0x30;     ///< A warning.
+constexpr UINT MB_ICONINFORMATION = 0x40; ///< An information.
+constexpr int IDOK = 1;                   ///< Answer OK.
+constexpr int IDCANCEL = 2;               ///< Answer Cancel.
+constexpr int IDRETRY = 4;                ///< Answer Retry.
+constexpr int IDYES = 6;                  ///< Answer Yes.
+constexpr int IDNO = 7;                   ///< Answer No.
 /// @}
 
 /// A host's own way of asking; returns one of the answers above.
@@ -84,8 +85,8 @@ class VRPLATFORMBASE_API VrException
 {
 public:
     VrException() = default;
-    VrException(const VrException&) = default;
-    VrException& operator=(const VrException&) = default;
+    VrException(const VrException&) = default;            ///< A copy of its own.
+    VrException& operator=(const VrException&) = default; ///< As above.
     virtual ~VrException();
     virtual const wchar_t* description() const; ///< What went wrong; never null; here the empty text.
     virtual int code() const;                   ///< A number for it; here 0.
@@ -98,8 +99,8 @@ class VRPLATFORMBASE_API VrExceptionWithMsg : public VrException
 public:
     /// Null texts count as empty.
     VrExceptionWithMsg(const wchar_t* message, const wchar_t* file, int line);
-    VrExceptionWithMsg(const VrExceptionWithMsg&) = default;
-    VrExceptionWithMsg& operator=(const VrExceptionWithMsg&) = default;
+    VrExceptionWithMsg(const VrExceptionWithMsg&) = default;            ///< A copy of its own.
+    VrExceptionWithMsg& operator=(const VrExceptionWithMsg&) = default; ///< As above.
     ~VrExceptionWithMsg() override;
     const wchar_t* description() const override; ///< The message.
 
@@ -118,12 +119,12 @@ class VRPLATFORMBASE_API VrErrorStatus
 public:
     VrErrorStatus(unsigned int status, const wchar_t* message, int line); ///< A null message counts as empty.
     ~VrErrorStatus();
-    VrErrorStatus(const VrErrorStatus&) = default;
-    VrErrorStatus& operator=(const VrErrorStatus&) = default;
+    VrErrorStatus(const VrErrorStatus&) = default;            ///< A copy of its own.
+    VrErrorStatus& operator=(const VrErrorStatus&) = default; ///< As above.
 
-    unsigned int status() const { return m_status; }
-    const wchar_t* message() const { return m_message.c_str(); }
-    int line() const { return m_line; }
+    unsigned int status() const { return m_status; }             ///< The number given.
+    const wchar_t* message() const { return m_message.c_str(); } ///< The message given; never null.
+    int line() const { return m_line; }                          ///< The line given.
 
 private:
     unsigned int m_status;

@@ -25,9 +25,9 @@ struct VornStartEntry {
     std::wstring piece; ///< "company", "product", "version", "language", "profile", "oem product", "oem
                         ///< company", "oem legal name"
     std::wstring value; ///< What was taken.
-    VornOrigin origin = VornOrigin::Default;
-    std::wstring place;                   ///< As the origin says; empty for arguments, defaults and answers.
-    std::vector<std::wstring> passedOver; ///< What was looked at before, in order, each with the reason against it.
+    VornOrigin origin = VornOrigin::Default; ///< Where it came from.
+    std::wstring place;                      ///< As the origin says; empty for arguments, defaults and answers.
+    std::vector<std::wstring> passedOver;    ///< What was looked at before, in order, each with the reason against it.
 };
 
 /// The record of the last start, in the order of resolution; the pieces that were not reached are missing.

@@ -5,6 +5,7 @@
 #if defined(VRUINFO_STATIC)
 #define VRUINFO_API
 #else
+/// What stands before each function that leaves the library.
 #define VRUINFO_API __attribute__((visibility("default")))
 #endif
 

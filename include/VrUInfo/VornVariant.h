@@ -46,18 +46,22 @@ public:
     void* data = nullptr;    ///< The block, at its size word; null when there is none. Owned.
 
     VornVariant() noexcept = default;
+    /// A deep copy.
     VornVariant(const VornVariant& other) : type(other.type), data(duplicate(other.data)) {}
+    /// Takes the block over; the other one holds nothing then.
     VornVariant(VornVariant&& other) noexcept : type(other.type), data(other.data)
     {
         other.type = kVarNone;
         other.data = nullptr;
     }
+    /// A deep copy, of itself, too.
     VornVariant& operator=(const VornVariant& other)
     {
         if (this != &other)
             *this = VornVariant(other);
         return *this;
     }
+    /// Takes the block over, and frees the former one.
     VornVariant& operator=(VornVariant&& other) noexcept
     {
         if (this == &other)

@@ -62,9 +62,10 @@ extern VRUINFO_API QString g_strPrefix;
 class VRUINFO_API VornaConfigException : public VrExceptionWithMsg
 {
 public:
+    /// \param exitProcess whether the host should end; the others as VrExceptionWithMsg takes them
     VornaConfigException(const wchar_t* message, bool exitProcess, const wchar_t* file, int line);
-    VornaConfigException(const VornaConfigException&) = default;
-    VornaConfigException& operator=(const VornaConfigException&) = default;
+    VornaConfigException(const VornaConfigException&) = default;            ///< A copy of its own.
+    VornaConfigException& operator=(const VornaConfigException&) = default; ///< As above.
     ~VornaConfigException() override;
     bool isExitProcess() const { return m_exitProcess; } ///< The flag given.
 

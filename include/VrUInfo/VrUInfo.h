@@ -12,6 +12,7 @@
 #include "VrUInfo/Paths.h"
 #include "VrUInfo/Resources.h"
 #include "VrUInfo/RootKeys.h"
+#include "VrUInfo/Settings.h"
 #include "VrUInfo/VornVariant.h"
 #include "VrUInfo/VornaConfig.h"
 #include "VrUInfo/VornaLanguage.h"
