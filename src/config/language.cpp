@@ -61,6 +61,16 @@ bool writeLibraryPattern(const wchar_t* folder, wchar_t* pattern)
     return folder[writer.length() - 1] == L'/' || writer.append(L"/*.so");
 }
 
+/// The language's own library is one of those that are looked for, and asking for one name is quicker than a listing.
+bool hasOwnLibrary(const wchar_t* folder)
+{
+    std::array<wchar_t, kPathCapacity> path{};
+    WideWriter writer(path.data(), path.size());
+    if (!writer.append(folder) || path[writer.length() - 1] == L'/')
+        return false;
+    return writer.appendComponent(kLanguageLibrary) && isThere(path.data());
+}
+
 bool findsAnything(const wchar_t* pattern)
 {
     WIN32_FIND_DATAW entry;
@@ -190,13 +200,15 @@ bool VornaConfig::isLangFolderExist(const wchar_t* shortName)
     if (isEmpty(shortName))
         return false;
     wchar_t folder[kPathCapacity];
-    if (GetModuleFileNameW(nullptr, folder, kPathCapacity) == 0)
+    if (executablePath(folder, kPathCapacity) == 0)
         return false;
     PathRemoveFileSpecW(folder);
     if (std::wcslen(folder) + std::wcslen(shortName) + 1 >= kPathCapacity || !PathAppendW(folder, shortName))
         return false;
     wchar_t pattern[kPathCapacity];
-    return isReadable(folder) && writeLibraryPattern(folder, pattern) && findsAnything(pattern);
+    if (!isReadable(folder) || !writeLibraryPattern(folder, pattern))
+        return false;
+    return hasOwnLibrary(folder) || findsAnything(pattern);
 }
 
 bool VornaConfig::isLangVerExist(const wchar_t*)

@@ -2,8 +2,10 @@
 #include <array>
 #include <cstdlib>
 #include <mutex>
+#include <optional>
 
 #include <QtCore/QFile>
+#include <QtCore/QSettings>
 
 #include "VrOsBase/VrOsBase.h"
 #include "VrUInfo/Oem.h"
@@ -12,6 +14,8 @@
 #include "config/icons.h"
 #include "config/identity_names.h"
 #include "config/start_record.h"
+#include "place/program_place.h"
+#include "place/trust.h"
 #include "product/language_library.h"
 #include "text/owned_text.h"
 #include "text/wide_buffer.h"
@@ -39,38 +43,57 @@ QString languagePrefix()
     return QStringLiteral(":/VrUInfoRes/VrUInfoRes");
 }
 
+/// Whoever may write the settings names the library. Where this process may do more than they, it has to be one that
+/// they could not have made.
+HMODULE loadRecordedLibrary(const wchar_t* name)
+{
+    const bool mustBeTrusted = exceedsRightsOf(toWide(g_globalSettings->fileName()));
+    const std::optional<std::wstring> trusted = mustBeTrusted ? trustedLibrary(name, programDirectory()) : name;
+    const HMODULE library = trusted ? LoadLibraryExW(trusted->c_str(), nullptr, 0) : nullptr;
+    if (!library)
+        StartRecord::instance().passOver(name, trusted ? L"the partner library is recorded but cannot be loaded"
+                                                       : L"the partner library is recorded, but others than root can "
+                                                         "change it");
+    return library;
+}
+
 HMODULE loadPartnerLibrary()
 {
     std::array<wchar_t, kPathCapacity> name{};
     if (GetCustomResFileName(name.data()) == 0)
         return nullptr;
     const HMODULE loaded = GetModuleHandleW(name.data());
-    const HMODULE partner = loaded ? loaded : LoadLibraryExW(name.data(), nullptr, 0);
-    if (!partner)
-        StartRecord::instance().passOver(name.data(), L"the partner library is recorded but cannot be loaded");
-    return partner;
+    return loaded ? loaded : loadRecordedLibrary(name.data());
 }
 
-/// How the start record names a text of a library.
-std::wstring textPlace(HMODULE library, unsigned int id)
+/// A library of texts, and its path, with which the start record names them.
+class TextLibrary final
 {
-    std::array<wchar_t, kPathCapacity> path{};
-    GetModuleFileNameW(library, path.data(), kPathCapacity);
-    return std::wstring(path.data()) + L" string " + std::to_wstring(id);
-}
-
-/// Puts a text of the library in the place; a text that is not there leaves it as it is.
-void takeText(HMODULE library, unsigned int id, wchar_t*& place, const wchar_t* piece)
-{
-    std::array<wchar_t, kPathCapacity> text{};
-    const int length = LoadStringW(library, id, text.data(), kTextLimit);
-    if (length <= 0) {
-        StartRecord::instance().passOver(textPlace(library, id), L"not there");
-        return;
+public:
+    explicit TextLibrary(HMODULE library) : m_library(library)
+    {
+        std::array<wchar_t, kPathCapacity> path{};
+        GetModuleFileNameW(library, path.data(), kPathCapacity);
+        m_path = path.data();
     }
-    replaceText(place, makeText(text.data(), static_cast<std::size_t>(length)));
-    StartRecord::instance().take(piece, place, VornOrigin::ResourceLibrary, textPlace(library, id));
-}
+    /// Puts a text in the place; one that is not there leaves it as it is.
+    void take(unsigned int id, wchar_t*& place, const wchar_t* piece) const
+    {
+        const std::wstring source = m_path + L" string " + std::to_wstring(id);
+        std::array<wchar_t, kPathCapacity> text{};
+        const int length = LoadStringW(m_library, id, text.data(), kTextLimit);
+        if (length <= 0) {
+            StartRecord::instance().passOver(source, L"not there");
+            return;
+        }
+        replaceText(place, makeText(text.data(), static_cast<std::size_t>(length)));
+        StartRecord::instance().take(piece, place, VornOrigin::ResourceLibrary, source);
+    }
+
+private:
+    HMODULE m_library;
+    std::wstring m_path;
+};
 
 /// Guards both icons, and whether they are to be had.
 std::mutex& iconLock()
@@ -107,9 +130,10 @@ unsigned int VornaConfig::initOemResource()
 
 void VornaConfig::loadOemTexts()
 {
-    takeText(m_oemResourceDll, kOemProductText, m_oemProductName, L"oem product");
-    takeText(m_oemResourceDll, kOemCompanyText, m_oemCompanyName, L"oem company");
-    takeText(m_oemResourceDll, kOemCompanyLtdText, m_oemCompanyLtdName, L"oem legal name");
+    const TextLibrary texts(m_oemResourceDll);
+    texts.take(kOemProductText, m_oemProductName, L"oem product");
+    texts.take(kOemCompanyText, m_oemCompanyName, L"oem company");
+    texts.take(kOemCompanyLtdText, m_oemCompanyLtdName, L"oem legal name");
 }
 
 void VornaConfig::loadOemIcons()

@@ -55,6 +55,7 @@ unsigned int VornaConfig::initial(const wchar_t* company, const wchar_t* product
     if (m_initialized)
         return Vorn::eOk;
     const StartRecord::Recording recording;
+    const HeldExecutable executable;
     initRegObject(company, product);
     unsigned int status = initCompanyName(company);
     if (status == Vorn::eOk)

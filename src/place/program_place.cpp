@@ -17,13 +17,37 @@ constexpr std::size_t kNameCapacity = 256;
 constexpr int kExistence = 0;
 constexpr int kReadPermission = 4;
 
+thread_local const std::wstring* t_held = nullptr;
+
 } // namespace
+
+unsigned int executablePath(wchar_t* buffer, unsigned int size)
+{
+    if (!t_held || t_held->size() >= size)
+        return GetModuleFileNameW(nullptr, buffer, size);
+    std::wmemcpy(buffer, t_held->c_str(), t_held->size() + 1);
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<unsigned int>(t_held->size());
+}
+
+HeldExecutable::HeldExecutable()
+{
+    wchar_t path[kPathCapacity];
+    if (!writeExecutable(path, kPathCapacity))
+        return;
+    m_path = path;
+    t_held = &m_path;
+}
+
+HeldExecutable::~HeldExecutable()
+{
+    t_held = nullptr;
+}
 
 bool writeExecutable(wchar_t* buffer, unsigned int size)
 {
     SetLastError(ERROR_SUCCESS);
-    return GetModuleFileNameW(GetModuleHandleW(nullptr), buffer, size) != 0 &&
-           GetLastError() != ERROR_INSUFFICIENT_BUFFER;
+    return executablePath(buffer, size) != 0 && GetLastError() != ERROR_INSUFFICIENT_BUFFER;
 }
 
 std::size_t keepBaseName(wchar_t* path)

@@ -21,6 +21,23 @@ struct ProgramPlace {
     [[nodiscard]] static std::optional<ProgramPlace> find();
 };
 
+/// As GetModuleFileNameW gives the executable's path, last error included.
+[[nodiscard]] unsigned int executablePath(wchar_t* buffer, unsigned int size);
+
+/// While it stands, its thread takes the executable's path from here: a start needs it again and again, and the system
+/// takes its time to find it out.
+class [[nodiscard]] HeldExecutable final
+{
+public:
+    HeldExecutable();
+    HeldExecutable(const HeldExecutable&) = delete;
+    HeldExecutable& operator=(const HeldExecutable&) = delete;
+    ~HeldExecutable();
+
+private:
+    std::wstring m_path;
+};
+
 /// The executable's path in a buffer; false when it is not known, or longer than size - 1 characters (the buffer may
 /// hold its beginning then).
 [[nodiscard]] bool writeExecutable(wchar_t* buffer, unsigned int size);
