@@ -7,9 +7,14 @@
 #include <QtCore/QSettings>
 #include <QtCore/QStandardPaths>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include "VrUInfo/FirstRun.h"
 #include "VrUInfo/VornaConfig.h"
+#include "place/file_kind.h"
 #include "place/program_place.h"
+#include "provision/text_encoding.h"
 #include "text/wide_text.h"
 
 using namespace vruinfo::internal;
@@ -41,14 +46,16 @@ bool makeDirectory(const QString& path)
     return directory.exists();
 }
 
-/// Whoever finds a lock file takes it for left behind. The permissions are what they are on purpose.
+/// Whoever finds a lock file takes it for left behind. The permissions are what they are on purpose; a file that a link
+/// in its place leads to never gets them.
 /// \return false when it cannot be removed: the settings library would wait for its holder without end
 bool removeLeftLock(const QString& lock)
 {
-    if (!QFile::exists(lock))
+    if (!isTaken(lock))
         return true;
-    QFile::setPermissions(lock, QFileDevice::ReadOther | QFileDevice::WriteOther);
-    return QFile::remove(lock) || !QFile::exists(lock);
+    [[maybe_unused]] const int ignored =
+        fchmodat(AT_FDCWD, QFile::encodeName(lock).constData(), S_IROTH | S_IWOTH, AT_SYMLINK_NOFOLLOW);
+    return QFile::remove(lock) || !isTaken(lock);
 }
 
 QString displayBase(const QString& productCode)
@@ -114,10 +121,11 @@ bool VornaConfig::createProductsConfigReg()
     if (!makeDirectory(directory))
         return false;
     const QString file = directory + QStringLiteral("/VR2D.conf");
-    if (!removeLeftLock(file + QStringLiteral(".lock")))
+    if (!removeLeftLock(file + QStringLiteral(".lock")) || !hasAnEnd(file))
         return true;
     const ProductEntry entry = entryOf(*this);
     QSettings settings(file, QSettings::NativeFormat);
+    keepEscapes(settings);
     if (addToNumbers(settings, entry.key))
         wrirteProductInfo(settings, entry.key, entry.displayName, entry.productCode, entry.languageName, entry.version);
     return true;
