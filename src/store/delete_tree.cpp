@@ -4,6 +4,7 @@
 
 #include "VrOsBase/VrOsBase.h"
 #include "VrUInfo/VornaConfig.h"
+#include "store/items.h"
 #include "store/store_group.h"
 #include "text/owned_text.h"
 #include "text/wide_buffer.h"
@@ -84,6 +85,14 @@ bool deleteAllChildren(HKEY root, const wchar_t* subkey)
 }
 
 } // namespace
+
+void removeTree(const QString& key)
+{
+    // Removing a key of the settings object takes everything below it along, at any depth and in one pass: a
+    // walk that removes item by item would end in the same tree.
+    StoreGroup(QString()).remove(key);
+}
+
 } // namespace vruinfo::internal
 
 using namespace vruinfo::internal;
@@ -95,11 +104,9 @@ bool RegDeleteKeyAndAllSubkeys(QString key)
     const std::lock_guard<VrLocker> lock(storeLock());
     const bool hadChildren = [&key] {
         const StoreGroup item(key);
-        return !item.childGroups().isEmpty() || !item.childKeys().isEmpty();
+        return !item.childKeys().isEmpty() || !item.childGroups().isEmpty();
     }();
-    // Removing a key of the settings object takes everything below it along, at any depth and in one pass: a
-    // walk that removes item by item would end in the same tree.
-    StoreGroup(QString()).remove(key);
+    removeTree(key);
     return hadChildren;
 }
 

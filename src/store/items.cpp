@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <mutex>
 
+#include <QtCore/QStringBuilder>
+
 #include "store/store_group.h"
 #include "store/value_conversion.h"
 #include "text/owned_text.h"
@@ -35,6 +37,20 @@ bool appendAsked(const wchar_t* subkey, KeyPath& path)
     const std::wstring_view asked(subkey);
     const std::size_t skipped = asked[0] == L'/' || asked[0] == L'\\' ? 1 : 0;
     return path.length() + asked.size() + 2 <= KeyPath::kLongest && path.join(asked.substr(skipped));
+}
+
+QString valuePath(const QString& item, const QString& name)
+{
+    return item % QLatin1Char('/') % name;
+}
+
+unsigned int readAt(const QString& path, VornVariant& out)
+{
+    const QVariant stored = storedValue(path);
+    if (!isStored(stored))
+        return Vorn::eNotFound;
+    fromStored(stored, out);
+    return Vorn::eOk;
 }
 
 } // namespace
@@ -70,28 +86,28 @@ unsigned int writeValue(const QString& group, ValueName name, const VornVariant&
     if (!name || !isStoreThere())
         return Vorn::eMissing;
     const QVariant stored = toStored(value);
-    if (namesNothing(group)) {
-        StoreGroup(group).setValue(toQString(*name), stored); // a key at the top level is kept as it is given
-        return Vorn::eOk;
-    }
     const TransientString key(*name);
-    StoreGroup(group).setValue(key.string(), stored);
+    if (!namesNothing(key.string()))
+        storeValue(valuePath(group, key.string()), stored);
     return Vorn::eOk;
 }
 
 unsigned int readValue(const QString& group, const QString& name, VornVariant& out)
 {
-    const QVariant stored = StoreGroup(group).value(name);
-    if (!isStored(stored))
+    if (namesNothing(name))
         return Vorn::eNotFound;
-    fromStored(stored, out);
-    return Vorn::eOk;
+    KeyPath path;
+    return readAt(path.assign(group, name) ? path.transient() : valuePath(group, name), out);
 }
 
-unsigned int readValue(const KeyPath& item, ValueName name, VornVariant& out)
+unsigned int readValue(KeyPath& item, ValueName name, VornVariant& out)
 {
-    const TransientString key(name.value_or(std::wstring_view()));
-    return readValue(item.transient(), key.string(), out);
+    const std::wstring_view key = name.value_or(std::wstring_view());
+    if (key.find_first_not_of(L'/') == std::wstring_view::npos)
+        return Vorn::eNotFound;
+    if (!item.appendComponent(key))
+        return readAt(valuePath(item.copy(), toQString(key)), out);
+    return readAt(item.transient(), out);
 }
 
 } // namespace vruinfo::internal
@@ -108,7 +124,7 @@ unsigned int VornaConfig::getValue(const wchar_t* key, const wchar_t* name, Vorn
 {
     if (!key || !name || !isStoreThere())
         return Vorn::eFailed;
-    const std::optional<KeyPath> item = freePath(key);
+    std::optional<KeyPath> item = freePath(key);
     return item ? readValue(*item, valueName(name), out) : static_cast<unsigned int>(Vorn::eFailed);
 }
 
@@ -213,6 +229,7 @@ unsigned int VornaConfig::removeItem(Path root, const wchar_t* subkey)
         if (!item.join(below))
             return Vorn::eFailed;
     }
-    RegDeleteKeyAndAllSubkeys(item.copy());
+    if (isStoreThere())
+        removeTree(item.copy());
     return Vorn::eOk;
 }

@@ -31,6 +31,10 @@ using ValueName = std::optional<std::wstring_view>;
 [[nodiscard]] unsigned int writeValue(const QString& group, ValueName name, const VornVariant& value);
 /// Reads a value under the store lock; the settings object must be there. \return eOk or eNotFound
 [[nodiscard]] unsigned int readValue(const QString& group, const QString& name, VornVariant& out);
-[[nodiscard]] unsigned int readValue(const KeyPath& item, ValueName name, VornVariant& out);
+/// The same; afterwards the path is the value's.
+[[nodiscard]] unsigned int readValue(KeyPath& item, ValueName name, VornVariant& out);
+
+/// Removes an item and everything below it; the settings object must be there.
+void removeTree(const QString& key);
 
 } // namespace vruinfo::internal

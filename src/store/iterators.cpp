@@ -75,6 +75,13 @@ QString subItemPath(const Place& place)
     return name;
 }
 
+/// The name as it is after the way through wide text, which ends at the first zero.
+QString asWideText(const QString& name)
+{
+    const int end = name.indexOf(QChar::Null);
+    return end < 0 ? name : name.left(end);
+}
+
 } // namespace
 } // namespace vruinfo::internal
 
@@ -135,14 +142,15 @@ unsigned int VornaConfig::ValueIterator::key(wchar_t* buffer, int& length) const
 
 unsigned int VornaConfig::ValueIterator::value(VornVariant& out) const
 {
-    std::array<wchar_t, kPathCapacity> name{};
-    int length = kPathCapacity;
-    const unsigned int status = key(name.data(), length);
-    if (status != Vorn::eOk)
-        return status;
+    const Place place{m_list, m_index};
+    if (!place.isInside())
+        return Vorn::eBadPosition;
+    const QString& name = place.element();
+    if (name.size() >= static_cast<int>(kPathCapacity))
+        return Vorn::eBufferTooSmall;
     if (m_list->last().isEmpty() || !isStoreThere())
         return Vorn::eMissing;
-    return readValue(m_list->last(), toQString(name.data()), out);
+    return readValue(m_list->last(), asWideText(name), out);
 }
 
 unsigned int VornaConfig::ValueIterator::setValue(const VornVariant& value)

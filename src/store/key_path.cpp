@@ -72,6 +72,18 @@ void KeyPath::assign(std::u16string_view units, std::size_t characters)
     m_length = characters;
 }
 
+bool KeyPath::assign(const QString& item, const QString& name)
+{
+    if (item.size() + 1 + name.size() > kUnits)
+        return false;
+    auto* const begin = reinterpret_cast<QChar*>(m_units.data);
+    QChar* place = std::copy(item.cbegin(), item.cend(), begin);
+    *place++ = QLatin1Char('/');
+    m_unitCount = static_cast<std::size_t>(std::copy(name.cbegin(), name.cend(), place) - begin);
+    m_length = m_unitCount;
+    return true;
+}
+
 std::u16string_view KeyPath::units() const
 {
     return {reinterpret_cast<const char16_t*>(m_units.data), m_unitCount};

@@ -48,6 +48,8 @@ public:
     /// Whether the path may stand alone as a free key path.
     [[nodiscard]] bool fitsAlone() const { return m_length + 1 <= kLongest; }
 
+    /// The path of a value below an item, for transient() only; false when there is no room for it.
+    [[nodiscard]] bool assign(const QString& item, const QString& name);
     /// Takes over a path's units, and the characters that they stand for.
     void assign(std::u16string_view units, std::size_t characters);
     [[nodiscard]] std::u16string_view units() const;

@@ -56,4 +56,16 @@ QStringList StoreGroup::childKeys() const
     return m_settings.childKeys();
 }
 
+QVariant storedValue(const QString& path)
+{
+    const std::lock_guard<VrLocker> lock(storeLock());
+    return g_globalSettings->value(path);
+}
+
+void storeValue(const QString& path, const QVariant& value)
+{
+    const std::lock_guard<VrLocker> lock(storeLock());
+    g_globalSettings->setValue(path, value);
+}
+
 } // namespace vruinfo::internal

@@ -28,7 +28,8 @@ namespace vruinfo::internal
 }
 
 /// Takes the store lock and opens a group (relative to the one that is open); undoes both at the end of its
-/// scope. The settings object must be there. Every access to the settings tree goes through this class.
+/// scope. The settings object must be there. Every access to the settings tree goes through this class, or through the
+/// two functions below it.
 ///
 /// An empty name, or one of separators only, names nothing: it reads as absent and is not written. (The
 /// settings library would print a warning, or store a value that nobody can read back.) Removing it removes
@@ -53,5 +54,13 @@ private:
     std::unique_lock<VrLocker> m_lock;
     QSettings& m_settings;
 };
+
+/// \name One value by its whole path
+/// The same as opening the item's group for it, but for what opening costs, which is more than the access itself. The
+/// path must end in a name that names something.
+/// @{
+[[nodiscard]] QVariant storedValue(const QString& path);     ///< Invalid when there is none.
+void storeValue(const QString& path, const QVariant& value); ///< The path is kept: it must not be a transient one.
+/// @}
 
 } // namespace vruinfo::internal

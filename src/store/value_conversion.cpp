@@ -6,6 +6,7 @@
 
 #include <QtCore/QByteArray>
 
+#include "VrUInfo/ErrorStatus.h"
 #include "store/tagged_text.h"
 #include "text/wide_text.h"
 
@@ -95,12 +96,21 @@ QByteArray bytesOf(const QString& text, int begin)
     return QByteArray::fromHex(text.mid(begin).toUtf8());
 }
 
+/// What no text has room for as digits raises what an impossible size does.
+void checkBinarySize(std::uint32_t count)
+{
+    constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max() / 4 - 64; // tag and headers
+    if (count > kMost)
+        VrRaiseErrorStatus(Vorn::eBadSize, L"\"\"", 0);
+}
+
 /// As many bytes as the size word says, which is four more than the payload has: those are zero.
 QVariant binaryToStored(const VornVariant& value)
 {
     const std::uint32_t count = sizeWord(value);
     if (count == 0)
         return {};
+    checkBinarySize(count);
     const std::uint32_t own = count > kSizeWordBytes ? count - kSizeWordBytes : 0;
     QByteArray bytes(static_cast<int>(count), '\0');
     if (own > 0)
