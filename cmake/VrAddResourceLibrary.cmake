@@ -124,5 +124,6 @@ macro(_vr_resource_target_properties)
     # Data with one initialiser: neither exceptions nor segments of their own for code, so that loading it is quick.
     target_compile_options(${target} PRIVATE -fno-exceptions)
     target_link_options(${target} PRIVATE
-        "LINKER:--version-script=${version_script}" LINKER:--as-needed LINKER:-z,noseparate-code)
+        "LINKER:--version-script=${version_script}" LINKER:--as-needed LINKER:-z,noseparate-code
+        LINKER:-z,relro,-z,now,-z,noexecstack)
 endmacro()

@@ -1,13 +1,24 @@
-# vr_add_test(<name> [PLAIN] SOURCES <files...> [LIBRARIES <targets...>])
+# vr_add_test(<name> [PLAIN] [OPTIMIZED] SOURCES <files...> [LIBRARIES <targets...>])
 #
 # A GoogleTest program. Each of its cases becomes one CTest case, run in a process of its own. Unless PLAIN is given,
-# the program stages a fresh installation around itself for each case (see tests/support/installed_main.cpp).
+# the program stages a fresh installation around itself for each case (see tests/support/installed_main.cpp). With
+# OPTIMIZED it is compiled as its users compile: for code that stands in headers.
 include(GoogleTest)
 
+# A test is compiled for a run of a moment: what is optimised is the library that it tests.
+function(vr_compile_quickly target)
+    if(NOT VRUINFO_SANITIZE)
+        target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0;-g1;-U_FORTIFY_SOURCE>)
+    endif()
+endfunction()
+
 function(vr_add_test name)
-    cmake_parse_arguments(arg "PLAIN" "" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(arg "PLAIN;OPTIMIZED" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     vr_target_defaults(${name})
+    if(NOT arg_OPTIMIZED)
+        vr_compile_quickly(${name})
+    endif()
     if(arg_PLAIN)
         target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gtest_main)
     else()
