@@ -29,9 +29,15 @@ install(FILES
         cmake/VrResourceLibrary.map
     DESTINATION "${package_dir}" COMPONENT development)
 
+# What there is to read, with the hosts to begin from.
+install(FILES README.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+
 # A pkg-config file finds its way from its own place, so that a prefix may be moved.
 file(RELATIVE_PATH prefix_from_pc
     "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" prefix_from_pc "${prefix_from_pc}")
 foreach(library IN ITEMS vruinfo vrosbase vrplatformbase)
     configure_file(cmake/${library}.pc.in ${library}.pc @ONLY)
     install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${library}.pc"
