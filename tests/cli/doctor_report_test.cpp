@@ -118,7 +118,7 @@ TEST(DoctorReport, FollowsTheIdentityOptions)
 TEST(DoctorReport, TakesNoArguments)
 {
     const Patient patient;
-    EXPECT_EQ(patient.run({"doctor", "--repair"}).exitCode, kMisuse);
+    EXPECT_EQ(patient.run({"doctor", "--heal"}).exitCode, kMisuse);
     EXPECT_EQ(patient.run({"doctor", "all"}).exitCode, kMisuse);
 }
 

@@ -49,10 +49,11 @@ TEST(DoctorStart, ThatEndsTheProcessIsAnErrorWithItsLastWords)
 TEST(DoctorStart, ThatWaitsForEverIsAnError)
 {
     Patient patient;
-    fs::create_directories(patient.settingsFile().parent_path());
-    ASSERT_EQ(mkfifo(patient.settingsFile().c_str(), 0644), 0);
+    const fs::path defaults = patient.home() / ".config/HALVIK/VORNA/2026.conf"; // for all products of that name
+    fs::create_directories(defaults.parent_path());
+    ASSERT_EQ(mkfifo(defaults.c_str(), 0644), 0);
     patient.look(kErrors);
-    EXPECT_EQ(patient.complaints(), (Complaints{"start.hangs", "settings.not-a-file"}));
+    EXPECT_EQ(patient.complaints(), (Complaints{"start.hangs", "defaults.not-a-file"}));
     patient.expectFound("start.hangs", {"error", "start", "within 10 seconds"});
 }
 

@@ -49,6 +49,10 @@ constexpr Option kDiffOptions[] = {
     {"at", nullptr, "PATH", "another place than it was exported from; without B only"},
     {"exit-code", nullptr, nullptr, "end with exit code 3 when the two differ"},
 };
+constexpr Option kDoctorOptions[] = {
+    {"repair", nullptr, nullptr, "repair a damaged settings file, and keep the damaged one"},
+    {"dry-run", nullptr, nullptr, "only print what would change"},
+};
 constexpr Option kCompletionOptions[] = {
     {"words", nullptr, "TEXT", "print what could stand in the place of the last of these words, one a line"}};
 constexpr Option kHelpOptions[] = {{"man", nullptr, nullptr, "print the source of the manual page"}};
@@ -124,7 +128,18 @@ constexpr char kDoctorNotes[] =
     "file that was left behind stays, too. The severities, and the exit code that the worst of them gives:\n"
     "  note     good to know (0)\n"
     "  warning  not as it should be, but the application works (4)\n"
-    "  error    something does not work (5)\n";
+    "  error    something does not work (5)\n"
+    "\n"
+    "With --repair, only the settings file is looked at. Where the settings library reads it as damaged, or a text "
+    "that\n"
+    "does not end takes settings behind it along, the damaged file gets a dated name beside it "
+    "(FILE.DATE-TIME.damaged),\n"
+    "and a whole file with everything that can be read takes its place in one step; a file that is not damaged stays "
+    "as\n"
+    "it is. A symbolic link is followed. Each line that is not as it was is told with its number. Exit code 0 when\n"
+    "nothing is damaged or nothing was lost, 4 when lines are lost, 1 when the file could not be read or written: "
+    "then\n"
+    "nothing was changed. With --dry-run nothing is changed in any case, and the code is the same.\n";
 constexpr char kFirstRunNotes[] =
     "A real start: what it remembers stays in the settings, so first-run with --language or --profile is how the next\n"
     "start gets another language or profile. Then the default keys are written, and this release is entered into the\n"
@@ -153,7 +168,8 @@ constexpr const char* kExportExamples[] = {"export @settings -o settings.json", 
 constexpr const char* kImportExamples[] = {"import settings.json --dry-run", "import settings.json --at @settings"};
 constexpr const char* kDiffExamples[] = {"diff settings.json", "diff before.json after.json"};
 constexpr const char* kWatchExamples[] = {"watch --for 5", "watch @settings --count 1 --for 0.5 --json"};
-constexpr const char* kDoctorExamples[] = {"doctor", "doctor --language de-DE", "doctor --json"};
+constexpr const char* kDoctorExamples[] = {"doctor", "doctor --language de-DE", "doctor --json",
+                                           "doctor --repair --dry-run"};
 constexpr const char* kFirstRunExamples[] = {"first-run", "first-run --language de-DE"};
 constexpr const char* kProductsExamples[] = {"products", "products --json"};
 constexpr const char* kModulesExamples[] = {"modules", "modules VrPlot", "modules lib/libVrPlot.so"};
@@ -192,7 +208,7 @@ constexpr Command kCommands[] = {
     {"watch", "print changes of the settings file as they happen", runWatch,
      kMaybePath, kWatchOptions, kWatchNotes, kWatchExamples},
     {"doctor", "check the installation and the user's state", runDoctor,
-     {}, {}, kDoctorNotes, kDoctorExamples},
+     {}, kDoctorOptions, kDoctorNotes, kDoctorExamples},
     {"first-run", "write what an application writes when it runs for the first time", runFirstRun,
      {}, {}, kFirstRunNotes, kFirstRunExamples},
     {"products", "print the user's list of installed products", runProducts,

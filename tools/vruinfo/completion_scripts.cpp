@@ -20,7 +20,8 @@ constexpr char kBash[] = R"script(# bash completion for vruinfo; made by "vruinf
 _vruinfo() {
     local line=${COMP_LINE:0:COMP_POINT} current=${2//\\/} word candidate
     local -a words
-    read -a words <<<"$line" # with backslashes taken as in the line
+    # shellcheck disable=SC2162 # backslashes are taken as in the line
+    read -a words <<<"$line"
     case $line in *[[:blank:]]) words+=('') ;; esac
     word=${words[${#words[@]}-1]}
     case $current in [:=]) current='' ;; esac

@@ -7,6 +7,9 @@
 #include "commands.h"
 #include "context.h"
 #include "doctor/checks.h"
+#include "place/user_settings.h"
+#include "repair_report.h"
+#include "settings_names.h"
 
 namespace vruinfo::tool
 {
@@ -99,10 +102,16 @@ QString summary(const Findings& findings)
     return counts.isEmpty() ? QStringLiteral("everything is in order") : counts.join(QStringLiteral(", "));
 }
 
-void printGroups(Printer& printer, const doctor::Patient& patient, const std::vector<Group>& groups)
+/// What is looked at.
+struct Subject {
+    QString installation;
+    QString settingsFile;
+};
+
+void printGroups(Printer& printer, const Subject& subject, const std::vector<Group>& groups)
 {
-    printer.line(QStringLiteral("Installation: ") + oneLine(patient.installation));
-    printer.line(QStringLiteral("Settings:     ") + oneLine(patient.settingsFile));
+    printer.line(QStringLiteral("Installation: ") + oneLine(subject.installation));
+    printer.line(QStringLiteral("Settings:     ") + oneLine(subject.settingsFile));
     printer.line(QString());
     for (const Group& group : groups) {
         if (!group.findings.empty())
@@ -115,16 +124,16 @@ void printGroups(Printer& printer, const doctor::Patient& patient, const std::ve
     printer.line(worst == Severity::Note ? Style::Good : styleOf(worst), summary(all));
 }
 
-void printJson(Printer& printer, const doctor::Patient& patient, const Findings& findings)
+QJsonObject reportJson(const Subject& subject, const Findings& findings)
 {
     QJsonArray array;
     for (const Finding& finding : findings)
         array.append(finding.json());
     const auto worst = worstOf(findings);
-    printer.json(QJsonDocument(QJsonObject{{QStringLiteral("installation"), patient.installation},
-                                           {QStringLiteral("settingsFile"), patient.settingsFile},
-                                           {QStringLiteral("worst"), worst ? nameOf(*worst) : QStringLiteral("none")},
-                                           {QStringLiteral("findings"), array}}));
+    return {{QStringLiteral("installation"), subject.installation},
+            {QStringLiteral("settingsFile"), subject.settingsFile},
+            {QStringLiteral("worst"), worst ? nameOf(*worst) : QStringLiteral("none")},
+            {QStringLiteral("findings"), array}};
 }
 
 Exit exitOf(const Findings& findings)
@@ -139,18 +148,48 @@ Exit exitOf(const Findings& findings)
     }
 }
 
+Exit checkAll(Context& context)
+{
+    const doctor::Patient patient(context);
+    const Subject subject{patient.installation, patient.settingsFile};
+    const std::vector<Group> groups = examine(patient);
+    const Findings findings = allOf(groups);
+    if (context.wantsJson())
+        context.printer().json(QJsonDocument(reportJson(subject, findings)));
+    else
+        printGroups(context.printer(), subject, groups);
+    return exitOf(findings);
+}
+
+/// Without a start, which a damaged file could keep from coming to its end.
+Exit repair(Context& context)
+{
+    const RepairMode mode = context.isSet("dry-run") ? RepairMode::Look : RepairMode::Change;
+    const Subject subject{doctor::installationDirectory(), vruinfo::internal::userSettingsDirectory() +
+                                                               QLatin1Char('/') + SettingsNames::of(context).file()};
+    const Result<Repair> result = repairSettings(subject.settingsFile, mode);
+    if (!result)
+        return context.fail(result.problem());
+    const Findings findings = repairFindings(subject.settingsFile, *result);
+    if (context.wantsJson()) {
+        QJsonObject report = reportJson(subject, findings);
+        report.insert(QStringLiteral("repair"), repairJson(*result, mode));
+        context.printer().json(QJsonDocument(report));
+    } else {
+        printGroups(context.printer(), subject, {{"Repair", findings}});
+    }
+    return exitOf(findings);
+}
+
 } // namespace
 
 Exit runDoctor(Context& context)
 {
-    const doctor::Patient patient(context);
-    const std::vector<Group> groups = examine(patient);
-    const Findings findings = allOf(groups);
-    if (context.wantsJson())
-        printJson(context.printer(), patient, findings);
-    else
-        printGroups(context.printer(), patient, groups);
-    return exitOf(findings);
+    if (context.isSet("repair"))
+        return repair(context);
+    if (context.isSet("dry-run"))
+        return context.fail({Exit::Misuse, QStringLiteral("--dry-run goes with --repair")});
+    return checkAll(context);
 }
 
 } // namespace vruinfo::tool

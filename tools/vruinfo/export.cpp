@@ -1,7 +1,11 @@
 #include "commands.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "export_file.h"
 #include "saved_form.h"
@@ -17,12 +21,27 @@ Problem notWritten(const QString& name, const QString& why)
     return {Exit::Failed, QStringLiteral("%1 cannot be written: %2").arg(name, why)};
 }
 
+/// A link that somebody else has put where everybody may, such as in /tmp. What it leads to is not what is meant.
+bool isPlantedLink(const QString& name)
+{
+    struct stat link = {};
+    struct stat directory = {};
+    const bool isForeignLink =
+        lstat(QFile::encodeName(name).constData(), &link) == 0 && S_ISLNK(link.st_mode) && link.st_uid != geteuid();
+    if (!isForeignLink || stat(QFile::encodeName(QFileInfo(name).path()).constData(), &directory) != 0)
+        return false;
+    return (directory.st_mode & S_IWOTH) != 0 && link.st_uid != directory.st_uid;
+}
+
 /// Whole, or not at all: what stood there before stays until then.
 std::optional<Problem> writeFile(const QString& name, const QByteArray& content)
 {
     const QFileInfo existing(name);
     if (existing.exists() && !existing.isFile())
         return notWritten(name, QStringLiteral("it is no regular file; without --output, standard output is written"));
+    if (isPlantedLink(name))
+        return notWritten(name,
+                          QStringLiteral("it is a link that another user has put into a directory of everybody's"));
     QSaveFile file(name);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
         return notWritten(name, file.errorString());

@@ -53,7 +53,7 @@ constexpr std::array<OriginRow, 6> kOrigins = {{
     {VornOrigin::ResourceLibrary, "library", "from the resource library: %1"},
 }};
 
-constexpr OriginRow kUnrecorded{VornOrigin::Default, "unrecorded", "not recorded by the start"};
+constexpr OriginRow kUnrecorded{VornOrigin::Default, "unrecorded", "built in, since no branding library has it"};
 
 const OriginRow& originRow(const VornStartEntry* entry)
 {

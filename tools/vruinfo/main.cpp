@@ -1,4 +1,5 @@
 // vruinfo: product information and settings on the command line.
+#include <csignal>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -83,6 +84,8 @@ Exit runGuarded(int count, char** arguments, Printer& printer)
 int main(int argc, char** argv)
 {
     using namespace vruinfo::tool;
+    // A file that grows over its limit is a failed write, which is told, and no end of the tool.
+    std::signal(SIGXFSZ, SIG_IGN);
     // File names and arguments are UTF-8 here, also where the locale is that of C.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     Printer printer;

@@ -7,6 +7,7 @@
 #include "VrUInfo/VornaConfig.h"
 #include "config/identity_names.h"
 #include "context.h"
+#include "place/user_settings.h"
 #include "text.h"
 
 namespace vruinfo::tool
@@ -48,7 +49,7 @@ QString SettingsNames::sharedFile() const
 void openSettingsUntouched(const SettingsNames& names)
 {
     const QString organisation = QStringLiteral("%1/%2/%3").arg(names.company, names.product, names.release);
-    g_globalSettings = new QSettings(QSettings::NativeFormat, QSettings::UserScope, organisation, names.product);
+    g_globalSettings = vruinfo::internal::openUserSettings<QSettings>(organisation, names.product).release();
 }
 
 } // namespace vruinfo::tool

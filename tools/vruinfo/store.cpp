@@ -7,6 +7,9 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "VrUInfo/VornaConfig.h"
 #include "identity_values.h"
 #include "saved_form.h"
@@ -61,6 +64,23 @@ Problem notWritten()
             QStringLiteral("the settings file %1 cannot be written, nothing was changed; make the file and its "
                            "directory writable for this user and see that the disk has room")
                 .arg(settingsFile())};
+}
+
+/// Whether a lock file stands that the settings library cannot take away, and would wait for without end.
+bool isLockedForGood(const QString& lock)
+{
+    struct stat status = {};
+    if (lstat(QFile::encodeName(lock).constData(), &status) != 0)
+        return false;
+    return !S_ISREG(status.st_mode) || access(QFile::encodeName(QFileInfo(lock).path()).constData(), W_OK) != 0;
+}
+
+Problem lockedOut(const QString& lock)
+{
+    return {Exit::Failed,
+            QStringLiteral("the lock file %1 cannot be removed, nothing was changed; remove it when no application of "
+                           "the user runs")
+                .arg(lock)};
 }
 
 /// Names that a backup can have within one second.
@@ -163,6 +183,9 @@ std::optional<Problem> saveChanges(Printer& printer)
 {
     if (auto problem = foreignValueInSettings())
         return problem;
+    const QString lock = settingsFile() + QStringLiteral(".lock");
+    if (isLockedForGood(lock))
+        return lockedOut(lock);
     g_globalSettings->sync();
     if (g_globalSettings->status() == QSettings::AccessError)
         return notWritten();

@@ -5,7 +5,6 @@
 #include "doctor/checks.h"
 #include "doctor/file_state.h"
 #include "doctor/library_test.h"
-#include "product/language_table.h"
 #include "text.h"
 
 namespace vruinfo::tool::doctor
@@ -29,11 +28,11 @@ bool isInstalled(const QString& name)
     return vornConfig()->isLangFolderExist(toWide(name).c_str());
 }
 
-std::vector<unsigned int> languageTexts()
+std::vector<LibraryText> expectedTexts()
 {
-    std::vector<unsigned int> texts = brandTexts();
-    texts.insert(texts.end(), vruinfo::internal::kLocalNameTexts.begin(), vruinfo::internal::kLocalNameTexts.end());
-    texts.push_back(vruinfo::internal::kUnknownLanguageText);
+    std::vector<LibraryText> texts = brandTexts();
+    const std::vector<LibraryText> names = languageTexts();
+    texts.insert(texts.end(), names.begin(), names.end());
     return texts;
 }
 
@@ -73,7 +72,7 @@ Findings resourceFindings(const QString& folder)
         return {*fault};
     return checkResourceLibrary({path, "language.library-", Severity::Error,
                                  QStringLiteral("so that the language has no texts and no icon"), kIcon,
-                                 languageTexts()});
+                                 expectedTexts(), reinstallLibrary()});
 }
 
 Findings languageFindings(const QString& folder, const QString& name)

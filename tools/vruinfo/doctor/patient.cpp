@@ -15,8 +15,13 @@ QFileInfo executable()
 
 } // namespace
 
+QString installationDirectory()
+{
+    return executable().path();
+}
+
 Patient::Patient(const Context& context) :
-    installation(executable().path()), program(executable().fileName()), names(SettingsNames::of(context)),
+    installation(installationDirectory()), program(executable().fileName()), names(SettingsNames::of(context)),
     settingsFile(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QLatin1Char('/') +
                  names.file()),
     trial(Trial::of(context))

@@ -10,6 +10,9 @@
 namespace vruinfo::tool::doctor
 {
 
+/// The directory of the executable.
+[[nodiscard]] QString installationDirectory();
+
 struct Patient {
     explicit Patient(const Context& context);
 

@@ -1,6 +1,9 @@
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
+
+#include <sys/statvfs.h>
 
 #include "doctor/checks.h"
 #include "doctor/damaged_lines.h"
@@ -28,16 +31,26 @@ QString numbersOf(const std::vector<int>& lines)
     return numbers.join(QStringLiteral(", ")) + more;
 }
 
-std::optional<Finding> damage(const QString& path)
+constexpr char kMend[] =
+    "`vruinfo doctor --repair` keeps a copy and brings back what can be read; what cannot is in a backup, if anywhere.";
+
+Findings damage(const QString& path)
 {
-    const std::vector<int> lines = damagedLines(bytesOf(path, kMostScanned).value_or(QByteArray()));
-    if (lines.empty())
-        return std::nullopt;
-    return error(
-        "settings.damaged", path,
-        QStringLiteral("Lines that are no settings (%1) are not read, and are gone when the file is next written.")
-            .arg(numbersOf(lines)),
-        QStringLiteral("Correct or delete these lines in a text editor, or bring a backup back."));
+    const QByteArray bytes = bytesOf(path, kMostScanned).value_or(QByteArray());
+    Findings findings;
+    if (const std::vector<int> lines = damagedLines(bytes); !lines.empty())
+        findings.push_back(error(
+            "settings.damaged", path,
+            QStringLiteral("Lines that are no settings (%1) are not read, and are gone when the file is next written.")
+                .arg(numbersOf(lines)),
+            text(kMend)));
+    if (const std::vector<int> lines = openLines(bytes); !lines.empty())
+        findings.push_back(error("settings.open-text", path,
+                                 QStringLiteral("Texts that do not end with their line (%1) take settings behind them "
+                                                "along, which are not read.")
+                                     .arg(numbersOf(lines)),
+                                 text(kMend)));
+    return findings;
 }
 
 std::optional<Finding> hugeness(const QString& path)
@@ -88,6 +101,21 @@ std::optional<Finding> backups(const Patient& patient)
                 QStringLiteral("Remove those that are not needed any more: %1.*.bak").arg(patient.settingsFile));
 }
 
+/// A save writes the whole file anew before the old one goes.
+std::optional<Finding> roomFinding(const QString& path)
+{
+    constexpr quint64 kNewValues = 4096;
+    struct statvfs disk = {};
+    if (statvfs(QFile::encodeName(QFileInfo(path).path()).constData(), &disk) != 0)
+        return std::nullopt;
+    const quint64 needed = static_cast<quint64>(FileState::of(path).size) + kNewValues;
+    if (static_cast<quint64>(disk.f_bavail) * disk.f_frsize >= needed)
+        return std::nullopt;
+    return error("settings.no-room", path,
+                 QStringLiteral("The disk that it lies on is full, so that no change of a setting is kept."),
+                 QStringLiteral("Make room there: see df %1").arg(shellWord(QFileInfo(path).path())));
+}
+
 } // namespace
 
 Findings checkSettingsFile(const Patient& patient)
@@ -122,6 +150,7 @@ Findings checkSettingsWritable(const Patient& patient)
         findings.push_back(error("settings.not-writable", obstacle->path,
                                  QStringLiteral("It is above the settings file and %1, ").arg(obstacle->words) + lost,
                                  obstacle->remedy));
+    append(findings, roomFinding(path));
     return findings;
 }
 
