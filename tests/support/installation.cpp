@@ -1,7 +1,6 @@
 #include "installation.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -28,11 +27,38 @@ fs::path ownExecutable()
     return fs::read_symlink("/proc/self/exe");
 }
 
+/// Whether others than root can come to a place, as far as the directories above it go.
+bool isOpenToOthers(const fs::path& place)
+{
+    for (fs::path above = place; above != above.root_path(); above = above.parent_path()) {
+        if ((fs::status(above).permissions() & fs::perms::others_exec) == fs::perms::none)
+            return false;
+    }
+    return true;
+}
+
+/// Where the loader finds what was built: nothing for its own places, or a copy where everybody can come to, which the
+/// processes of a test hand on.
+std::string openLibraries()
+{
+    const char* const handedOn = std::getenv("LD_LIBRARY_PATH");
+    if (!isBuildClosed() || handedOn)
+        return handedOn ? handedOn : "";
+    static const QTemporaryDir kDirectory;
+    static const std::string kLibraries = [] {
+        const std::string libraries = kDirectory.path().toStdString();
+        fs::permissions(libraries, fs::perms(0755));
+        fs::copy(BUILT_LIBRARIES, libraries, fs::copy_options::recursive);
+        return libraries;
+    }();
+    return kLibraries;
+}
+
 /// A new folder beside the test program that was built, so that a hard link can reach it from there.
 fs::path newRoot()
 {
-    const char* const staging = std::getenv("VR_STAGING");
-    std::string pattern = (staging ? fs::path(staging) : ownExecutable().parent_path()) / "stage-XXXXXX";
+    const fs::path parent = isBuildClosed() ? fs::temp_directory_path() : ownExecutable().parent_path();
+    std::string pattern = parent / "stage-XXXXXX";
     if (!mkdtemp(pattern.data()))
         throw std::runtime_error("cannot make " + pattern);
     fs::permissions(pattern, fs::perms(0755));
@@ -59,42 +85,13 @@ private:
     QTemporaryDir m_directory;
 };
 
-/// A settings file as it stands on disk. A plain settings object on the path itself would not do: within one process
-/// it shares what the library's own one holds in memory and has not written yet. So it reads a copy.
-class FileOnDisk
-{
-public:
-    explicit FileOnDisk(const fs::path& file) :
-        m_copy(newCopyOf(file)), m_settings(pathOf(m_copy), QSettings::NativeFormat)
-    {
-    }
-    FileOnDisk(const FileOnDisk&) = delete;
-    FileOnDisk& operator=(const FileOnDisk&) = delete;
-    ~FileOnDisk()
-    {
-        std::error_code ignored;
-        fs::remove(m_copy, ignored);
-    }
-    const QSettings& settings() const { return m_settings; }
-
-private:
-    static QString pathOf(const fs::path& file) { return QString::fromStdString(file); }
-    /// Under a name that this process has not used before: closed settings objects are remembered by name, too.
-    static fs::path newCopyOf(const fs::path& file)
-    {
-        static std::atomic<int> count{0};
-        const std::string name = "vr-seen-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".conf";
-        fs::path copy = fs::temp_directory_path() / name;
-        std::error_code ignored;
-        fs::copy_file(file, copy, fs::copy_options::overwrite_existing, ignored);
-        return copy;
-    }
-
-    fs::path m_copy;
-    QSettings m_settings;
-};
-
 } // namespace
+
+bool isBuildClosed()
+{
+    static const bool kIsClosed = geteuid() == 0 && !isOpenToOthers(BUILT_LIBRARIES);
+    return kIsClosed;
+}
 
 std::wstring wide(const std::string& utf8)
 {
@@ -197,8 +194,15 @@ ProcessResult Installation::run(const std::string& probe, const std::vector<std:
 
 Environment Installation::environment() const
 {
-    return {{"HOME", home()}, {"XDG_CONFIG_HOME", ""}, {"XDG_DATA_HOME", ""}, {"XDG_CONFIG_DIRS", "/nonexistent"},
-            {"DISPLAY", ""},  {"WAYLAND_DISPLAY", ""}, {"VR_PROBE", ""},      {"VR_INSTALLED", m_root}};
+    return {{"HOME", home()},
+            {"XDG_CONFIG_HOME", ""},
+            {"XDG_DATA_HOME", ""},
+            {"XDG_CONFIG_DIRS", "/nonexistent"},
+            {"DISPLAY", ""},
+            {"WAYLAND_DISPLAY", ""},
+            {"VR_PROBE", ""},
+            {"VR_INSTALLED", m_root},
+            {"LD_LIBRARY_PATH", openLibraries()}};
 }
 
 std::string readFile(const fs::path& file)

@@ -21,6 +21,10 @@ std::wstring wideOf(std::size_t length, wchar_t c = L'x');
 /// Wide text to UTF-8.
 std::string utf8(const std::wstring& text);
 
+/// Whether root alone can enter the tree, in root's home say. Installations are elsewhere then, with a copy of what was
+/// built in LD_LIBRARY_PATH, so that an unprivileged user's processes run.
+bool isBuildClosed();
+
 class Installation
 {
 public:

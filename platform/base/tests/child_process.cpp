@@ -78,6 +78,30 @@ void readInto(std::string& text, Descriptor& from)
     text.append(buffer.data(), static_cast<std::size_t>(got));
 }
 
+/// For its lifetime a pipe that nobody reads any more is an error of the writing call, and no signal.
+class BrokenPipesAreErrors
+{
+public:
+    BrokenPipesAreErrors()
+    {
+        sigemptyset(&m_pipe);
+        sigaddset(&m_pipe, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &m_pipe, &m_before);
+    }
+    BrokenPipesAreErrors(const BrokenPipesAreErrors&) = delete;
+    BrokenPipesAreErrors& operator=(const BrokenPipesAreErrors&) = delete;
+    ~BrokenPipesAreErrors()
+    {
+        const timespec atOnce{};
+        sigtimedwait(&m_pipe, nullptr, &atOnce);
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    }
+
+private:
+    sigset_t m_pipe{};
+    sigset_t m_before{};
+};
+
 } // namespace
 
 ChildProcess::ChildProcess(const std::vector<std::string>& command, const Environment& environment, Streams streams)
@@ -115,7 +139,10 @@ ChildProcess::~ChildProcess()
 
 void ChildProcess::type(std::string_view text)
 {
-    if (write(m_input.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+    const BrokenPipesAreErrors guard;
+    const ssize_t typed = write(m_input.get(), text.data(), text.size());
+    const bool hasEnded = typed < 0 && errno == EPIPE;
+    if (!hasEnded && typed != static_cast<ssize_t>(text.size()))
         throw std::runtime_error("the process takes no input");
 }
 

@@ -29,7 +29,7 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     [[nodiscard]] pid_t pid() const { return m_pid; }
-    void type(std::string_view text);
+    void type(std::string_view text); ///< What a process that has ended no longer reads is lost.
     void closeInput() { m_input.reset(); }
     void closeErrors() { m_errors.reset(); }
     /// Waits until standard error holds the text; false when it does not come.
