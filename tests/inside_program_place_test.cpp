@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "VrOsBase/VrOsBase.h"
 #include "place/program_place.h"
 
 using namespace vruinfo::internal;
@@ -151,6 +152,39 @@ TEST(ProgramComponent, FailsWhereTheExecutablesPathDoesNotFit)
     std::wstring buffer = guarded(size);
     EXPECT_EQ(writeProgramComponent(buffer.data(), size, L"x"), 0U);
     EXPECT_TRUE(isUntouchedFrom(buffer, size));
+}
+
+/// What comes of asking for the executable's path: the number, the last error, the buffer.
+struct Asked {
+    unsigned int length;
+    DWORD error;
+    std::wstring buffer;
+
+    bool operator==(const Asked& other) const
+    {
+        return length == other.length && error == other.error && buffer == other.buffer;
+    }
+};
+
+Asked askForExecutable(std::size_t size)
+{
+    Asked asked{0, 0, guarded(size)};
+    SetLastError(77);
+    asked.length = executablePath(asked.buffer.data(), static_cast<unsigned int>(size));
+    asked.error = GetLastError();
+    return asked;
+}
+
+TEST(HeldExecutablePath, IsGivenAsTheSystemGivesIt)
+{
+    const std::size_t length = executable().wstring().size();
+    for (const std::size_t size : {std::size_t{1}, length - 1, length, length + 1, length + 2, std::size_t{1024}}) {
+        const Asked before = askForExecutable(size);
+        const HeldExecutable held;
+        const Asked during = askForExecutable(size);
+        EXPECT_EQ(during, before) << size;
+        EXPECT_TRUE(isUntouchedFrom(during.buffer, size));
+    }
 }
 
 TEST(Existence, IsThatOfFilesAndDirectories)

@@ -119,6 +119,37 @@ TEST_F(StoreGroupTest, EmptyNamesReadAsAbsentAndAreNotWritten)
     EXPECT_FALSE(group.holdsAnything());
 }
 
+TEST_F(StoreGroupTest, AValueByItsWholePathIsTheOneInTheGroup)
+{
+    int number = 0;
+    for (const char* const item : {"", "/", "A", "/A/", "A//B", "A/B/", "A\\B"}) {
+        for (const char* const name : {"N", "/N", "N/", "N//M", "\\N", " "}) {
+            const QString path = q(item) + QLatin1Char('/') + q(name);
+            StoreGroup(q(item)).setValue(q(name), ++number);
+            EXPECT_EQ(storedValue(path), number) << item << " and " << name;
+            const QStringList keys = settings().allKeys();
+            storeValue(path, ++number);
+            EXPECT_EQ(settings().allKeys(), keys) << item << " and " << name;
+            EXPECT_EQ(StoreGroup(q(item)).value(q(name)), number) << item << " and " << name;
+        }
+    }
+}
+
+TEST_F(StoreGroupTest, AValueByItsWholePathKeepsOtherThreadsOut)
+{
+    std::future<void> reader;
+    std::future<void> writer;
+    {
+        const std::lock_guard<VrLocker> lock(storeLock());
+        reader = std::async(std::launch::async, [] { static_cast<void>(storedValue(q("A/Name"))); });
+        writer = std::async(std::launch::async, [] { storeValue(q("B/Name"), 1); });
+        EXPECT_EQ(reader.wait_for(kShort), std::future_status::timeout);
+        EXPECT_EQ(writer.wait_for(kShort), std::future_status::timeout);
+    }
+    EXPECT_TRUE(setsInTime(reader));
+    EXPECT_TRUE(setsInTime(writer));
+}
+
 TEST_F(StoreGroupTest, RemovingTheEmptyNameRemovesEverythingInTheGroup)
 {
     settings().setValue(q("A/Name"), 1);

@@ -597,6 +597,22 @@ TEST_F(Iterators, ValueAtEachPositionIsReadNow)
     EXPECT_EQ(read(iterator), L"of W");
 }
 
+TEST_F(Iterators, ValueIsThatOfTheNameUpToAZero)
+{
+    // A name with a zero in it can come from a file that was edited by hand.
+    const std::wstring zero = std::wstring(L"Half") + L'\0' + L"Name";
+    putBelowRoot(zero, "of the whole name");
+    ValueIterator values;
+    ASSERT_EQ(config().findItem(kRoot, nullptr, values), 0U);
+    VornVariant value;
+    EXPECT_EQ(values.value(value), 1U);
+    putBelowRoot(L"Half", "of the half");
+    ValueIterator both;
+    ASSERT_EQ(config().findItem(kRoot, nullptr, both), 0U);
+    ASSERT_EQ(both.step(), 0U); // "Half", then the longer one
+    EXPECT_EQ(read(both), L"of the half");
+}
+
 TEST_F(Iterators, ValueThatIsGoneIsStatus1)
 {
     putTwoOfEach();

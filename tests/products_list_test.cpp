@@ -159,6 +159,14 @@ TEST_F(ProductsList, FirstEntryHoldsLocationNameProductLanguageAndVersion)
     EXPECT_EQ(bytes(), onlyEntry("VORNA_2026_Chs", "VORNA 2026 Chs", "VORNA", "zh-CN"));
 }
 
+TEST_F(ProductsList, TextsBehindAByteOrderMarkStayWhatTheyAre)
+{
+    write("\xEF\xBB\xBF[Other]\nProductName=Gr\xC3\xBCn \\x20ac\n");
+    registerAs("VORNA", "en-US");
+    EXPECT_EQ(text("VORNA_2026_Enu/Product"), QStringLiteral("VORNA"));
+    EXPECT_EQ(text("Other/ProductName"), QString::fromUtf8("Gr\u00fcn \u20ac"));
+}
+
 TEST_F(ProductsList, MechanicalEditionIsListedAsMech)
 {
     registerAs("VORNAM", "en-US");

@@ -596,4 +596,63 @@ TEST_F(BackingTest, AColourThatAnotherProgramStoredIsWrittenBackAsItWas)
     EXPECT_EQ(textInFile(m_here.settingsFile(), "Software/HALVIK/VORNA/2026/New"), QStringLiteral("5$new"));
 }
 
+TEST_F(BackingTest, AColourIsFoundWhereverItStandsInTheFile)
+{
+    m_here.installLanguage("en-US");
+    const std::string colour = R"(Colour=@Variant(\0\0\0\x43\x1\xff\xff\x12\x12\x34\x34VV\0\0))"
+                               "\n";
+    const std::string before = "[Other]\nA=";
+    // The file is looked through in pieces of 65536 bytes; the mark stands before, across and behind the end of one.
+    for (const std::size_t mark : {100U, 65526U, 65527U, 65528U, 65529U, 65532U, 65535U, 65536U, 131056U, 131060U}) {
+        const std::string filling(mark - before.size() - std::string("\nColour=").size(), 'x');
+        writeFile(m_here.settingsFile(), before + filling + "\n" + colour);
+        EXPECT_EQ(m_here.run("startAndWrite").out, "00\n");
+        EXPECT_NE(readFile(m_here.settingsFile()).find(colour), std::string::npos) << mark;
+    }
+}
+
+TEST_F(BackingTest, APictureThatAnotherProgramStoredEndsNoStartAndStays)
+{
+    m_here.installLanguage("en-US");
+    const std::string bytes = "[Other]\nColour=@Variant(\\0\\0\\0\\x43\\x1\\xff\\xff\\x12\\x12\\x34\\x34VV\\0\\0)\n"
+                              "Picture=@Variant(\\0\\0\\0\\x41\\0\\0\\0\\x1\\x89PNG)\n\n"
+                              "[Software]\nHALVIK\\VORNA\\2026\\CurVer=5$en-US\n";
+    writeFile(m_here.settingsFile(), bytes);
+    const ProcessResult result = m_here.run("startAndWrite");
+    EXPECT_EQ(result.out, "00\n") << result.signal << result.err;
+    EXPECT_EQ(readFile(m_here.settingsFile()), bytes);
+}
+
+// ---- How texts are encoded
+
+class MarkedFileTest : public BackingTest
+{
+protected:
+    MarkedFileTest() { m_here.installLanguage("en-US"); }
+
+    static constexpr char kMark[] = "\xEF\xBB\xBF";
+    /// A start that writes leaves the texts as another process reads them.
+    void expectTextsStay(const Environment& environment = {}) const
+    {
+        EXPECT_EQ(m_here.run("startAndWrite", {}, environment).out, "00\n");
+        const fs::path file = m_here.settingsFile();
+        EXPECT_EQ(textInFile(file, "Software/HALVIK/VORNA/2026/New"), QStringLiteral("5$new"));
+        EXPECT_EQ(textInFile(file, "Mine/Euro"), QString::fromUtf8("5$\u00e4\u20ac"));
+        EXPECT_EQ(textInFile(file, "Mine/Smile"), QString::fromUtf8("5$\U0001F600"));
+    }
+};
+
+TEST_F(MarkedFileTest, TextsOfAFileWithAByteOrderMarkStayWhatTheyAre)
+{
+    writeFile(m_here.settingsFile(), std::string(kMark) + "[Mine]\nEuro=5$\\xe4\\x20ac\nSmile=5$\U0001F600\n");
+    expectTextsStay();
+}
+
+TEST_F(MarkedFileTest, TextsOfTheUserStayBesideDefaultsWithAByteOrderMark)
+{
+    writeFile(m_here.settingsFile(), "[Mine]\nEuro=5$\\xe4\\x20ac\nSmile=5$\\xd83d\\xde00\n");
+    writeFile(m_here.root() / "shared/HALVIK/VORNA/2026/VORNA.conf", std::string(kMark) + "[Shared]\na=5$x\n");
+    expectTextsStay({{"XDG_CONFIG_DIRS", m_here.root() / "shared"}});
+}
+
 } // namespace
