@@ -18,7 +18,7 @@ void stage(const fs::path& root)
 {
     fs::create_directories(root / "home/.config");
     fs::create_directories(root / "program/en-US");
-    fs::copy_file("/proc/self/exe", root / "program/bench");
+    fs::copy_file(fs::read_symlink("/proc/self/exe"), root / "program/bench");
     fs::permissions(root / "program/bench", fs::perms(0755));
     fs::copy_file(fs::path(VR_RESOURCES_DIR) / "en-US/libVrUInfoRes.so", root / "program/en-US/libVrUInfoRes.so");
 }

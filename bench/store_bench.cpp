@@ -1,13 +1,21 @@
 // What the exported store functions cost beside the same work done on a QSettings object with ready QStrings.
 //
-// Both sides work on the one settings object of the process, on the same items, in one run. `ours` takes wide strings,
-// builds the root path, locks and converts the value; `direct` does beginGroup, value or setValue, endGroup.
+// All sides work on the one settings object of the process, on the same items, in one run:
+//
+//   ours    takes wide strings, builds the root path, locks and converts the value, in one variant that is kept at hand
+//   direct  does beginGroup, value or setValue, endGroup
+//   byhand  is ours with a variant made for each value (where it is not listed, ours is the same)
+//   typed   does as byhand does, through the typed layer: with the same names, for a number or text of C++
+//
+// `list` takes the names; `fetch` reads each value, too.
 //
 //   store_bench --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
 //
-// ratios.sh makes the table of ratios of it.
+// scripts/bench makes the table of ratios of it.
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -107,6 +115,33 @@ void readDirect(benchmark::State& state)
     }
 }
 
+void readByHand(benchmark::State& state)
+{
+    const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
+    std::size_t i = 0;
+    for (auto _ : state) {
+        VornVariant value;
+        if (vornConfig()->getValue(VornaConfig::SettingsRoot, entries[i].name.c_str(), value) != Vorn::eOk)
+            fail("a value is missing");
+        benchmark::DoNotOptimize(value.data);
+        i = i + 1 == entries.size() ? 0 : i + 1;
+    }
+}
+
+void readTyped(benchmark::State& state)
+{
+    const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
+    std::size_t i = 0;
+    const vorn::Settings settings(VornaConfig::SettingsRoot);
+    for (auto _ : state) {
+        const std::optional<int> value = settings.get<int>(entries[i].name);
+        if (!value)
+            fail("a value is missing");
+        benchmark::DoNotOptimize(*value);
+        i = i + 1 == entries.size() ? 0 : i + 1;
+    }
+}
+
 void missOurs(benchmark::State& state)
 {
     filled(static_cast<int>(state.range(0)));
@@ -128,6 +163,16 @@ void missDirect(benchmark::State& state)
         const QVariant value = g_globalSettings->value(key);
         g_globalSettings->endGroup();
         if (value.isValid())
+            fail("a value is there that should not be");
+    }
+}
+
+void missTyped(benchmark::State& state)
+{
+    filled(static_cast<int>(state.range(0)));
+    const vorn::Settings settings(VornaConfig::SettingsRoot);
+    for (auto _ : state) {
+        if (settings.get<int>(L"Drawing/Nowhere/Item0/Value0"))
             fail("a value is there that should not be");
     }
 }
@@ -158,6 +203,31 @@ void writeDirect(benchmark::State& state)
     }
 }
 
+void writeByHand(benchmark::State& state)
+{
+    const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
+    std::size_t i = 0;
+    for (auto _ : state) {
+        VornVariant value;
+        value.setString(L"a text of some length", VornVariant::kVarString);
+        if (vornConfig()->setValue(VornaConfig::SettingsRoot, entries[i].name.c_str(), value) != Vorn::eOk)
+            fail("a value could not be written");
+        i = i + 1 == entries.size() ? 0 : i + 1;
+    }
+}
+
+void writeTyped(benchmark::State& state)
+{
+    const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
+    std::size_t i = 0;
+    vorn::Settings settings(VornaConfig::SettingsRoot);
+    for (auto _ : state) {
+        if (!settings.set(entries[i].name, L"a text of some length"))
+            fail("a value could not be written");
+        i = i + 1 == entries.size() ? 0 : i + 1;
+    }
+}
+
 void listOurs(benchmark::State& state)
 {
     const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
@@ -178,6 +248,61 @@ void listDirect(benchmark::State& state)
         g_globalSettings->endGroup();
         if (keys.size() != kValuesPerItem)
             fail("a listing is not whole");
+    }
+}
+
+void listTyped(benchmark::State& state)
+{
+    const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
+    const vorn::Settings settings(VornaConfig::SettingsRoot, entries[0].name.substr(0, entries[0].name.rfind(L'/')));
+    for (auto _ : state) {
+        if (settings.values().isEmpty())
+            fail("nothing is listed");
+    }
+}
+
+void fetchOurs(benchmark::State& state)
+{
+    const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
+    const std::wstring item = entries[0].name.substr(0, entries[0].name.rfind(L'/'));
+    VornVariant value;
+    for (auto _ : state) {
+        VornaConfig::ValueIterator values;
+        vornConfig()->findItem(VornaConfig::SettingsRoot, item.c_str(), values);
+        for (int i = 0; i < kValuesPerItem; ++i, values.step()) {
+            std::array<wchar_t, kVornPathCapacity> name{};
+            int length = kVornPathCapacity;
+            if (values.key(name.data(), length) != Vorn::eOk || values.value(value) != Vorn::eOk)
+                fail("a value is missing");
+            benchmark::DoNotOptimize(name);
+        }
+    }
+}
+
+void fetchTyped(benchmark::State& state)
+{
+    const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
+    const vorn::Settings settings(VornaConfig::SettingsRoot, entries[0].name.substr(0, entries[0].name.rfind(L'/')));
+    for (auto _ : state) {
+        int count = 0;
+        for (const auto& value : settings.values()) {
+            benchmark::DoNotOptimize(value.name());
+            count += value.as<int>() ? 1 : 0;
+        }
+        if (count != kValuesPerItem)
+            fail("a value is missing");
+    }
+}
+
+void fetchDirect(benchmark::State& state)
+{
+    const std::vector<Entry>& entries = filled(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        g_globalSettings->beginGroup(entries[0].group);
+        const QStringList keys = g_globalSettings->childKeys();
+        for (const QString& key : keys)
+            benchmark::DoNotOptimize(g_globalSettings->value(key));
+        g_globalSettings->endGroup();
     }
 }
 
@@ -227,21 +352,21 @@ void deleteDirect(benchmark::State& state)
 
 void registerAll()
 {
-    struct Pair {
+    struct Bench {
         const char* name;
-        void (*ours)(benchmark::State&);
-        void (*direct)(benchmark::State&);
+        void (*side)(benchmark::State&);
     };
-    const std::vector<Pair> pairs = {{"read", readOurs, readDirect},
-                                     {"miss", missOurs, missDirect},
-                                     {"write", writeOurs, writeDirect},
-                                     {"list", listOurs, listDirect},
-                                     {"delete", deleteOurs, deleteDirect}};
+    const std::vector<Bench> benches = {
+        {"read/ours", readOurs},        {"read/direct", readDirect},   {"read/byhand", readByHand},
+        {"read/typed", readTyped},      {"miss/ours", missOurs},       {"miss/direct", missDirect},
+        {"miss/typed", missTyped},      {"write/ours", writeOurs},     {"write/direct", writeDirect},
+        {"write/typed", writeTyped},    {"write/byhand", writeByHand}, {"list/ours", listOurs},
+        {"list/direct", listDirect},    {"list/typed", listTyped},     {"fetch/ours", fetchOurs},
+        {"fetch/typed", fetchTyped},    {"fetch/direct", fetchDirect}, {"delete/ours", deleteOurs},
+        {"delete/direct", deleteDirect}};
     for (const int count : {100, 10000, 100000}) {
-        for (const Pair& pair : pairs) {
-            benchmark::RegisterBenchmark((std::string(pair.name) + "/ours").c_str(), pair.ours)->Arg(count);
-            benchmark::RegisterBenchmark((std::string(pair.name) + "/direct").c_str(), pair.direct)->Arg(count);
-        }
+        for (const Bench& bench : benches)
+            benchmark::RegisterBenchmark(bench.name, bench.side)->Arg(count);
     }
 }
 
