@@ -480,6 +480,14 @@ TEST_F(ProductsList, SaysTrueWhereNoFileCanBeMade)
     EXPECT_FALSE(fs::exists(fileOf(m_here)));
 }
 
+TEST_F(ProductsList, SaysTrueWhereAValueAsksForAllTheMemoryAndLeavesTheList)
+{
+    const std::string list = "[InstalledProducts]\n1=@Variant(\\0\\0\\0\\v2222)\n";
+    write(list);
+    EXPECT_EQ(registerInTime().out, "1");
+    EXPECT_EQ(bytes(), list);
+}
+
 // The lock file.
 
 TEST_F(ProductsList, ALockFileIsRemoved)

@@ -623,6 +623,19 @@ TEST_F(BackingTest, APictureThatAnotherProgramStoredEndsNoStartAndStays)
     EXPECT_EQ(readFile(m_here.settingsFile()), bytes);
 }
 
+TEST_F(BackingTest, AValueThatAsksForAllTheMemoryEndsNoStartAndStays)
+{
+    m_here.installLanguage("en-US");
+    for (const char* const type : {"\\v", "\\t"}) { // lists of texts, of values
+        const std::string bytes = std::string("[Software]\nHALVIK\\VORNA\\2026\\Other=@Variant(\\0\\0\\0") + type +
+                                  "2222)\nHALVIK\\VORNA\\2026\\CurVer=5$en-US\n";
+        writeFile(m_here.settingsFile(), bytes);
+        const ProcessResult result = m_here.run("startAndWrite");
+        EXPECT_EQ(result.out, "00\n") << result.signal << result.err;
+        EXPECT_EQ(readFile(m_here.settingsFile()), bytes);
+    }
+}
+
 // ---- How texts are encoded
 
 class MarkedFileTest : public BackingTest

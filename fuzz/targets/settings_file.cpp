@@ -18,6 +18,7 @@
 #include "VrUInfo/Lookups.h"
 #include "VrUInfo/VornaConfig.h"
 #include "fuzz_input.h"
+#include "provision/bounded_values.h"
 #include "store/tagged_text.h"
 #include "text/wide_text.h"
 
@@ -57,13 +58,15 @@ void writeFile(const fs::path& file, std::string_view bytes)
     utimensat(AT_FDCWD, file.c_str(), times.data(), 0);
 }
 
-/// What the settings library itself reads from the bytes.
+/// What the settings library itself reads from the bytes; nothing where that takes all the memory there is.
 Values plainValues(std::string_view bytes)
 {
     const fs::path file = home / "plain.conf";
     writeFile(file, bytes);
     const QSettings settings(QString::fromStdString(file), QSettings::NativeFormat);
     Values values;
+    if (!canTakeValuesApart(settings))
+        return values;
     for (const QString& key : settings.allKeys())
         values[key] = settings.value(key);
     return values;

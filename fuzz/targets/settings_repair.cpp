@@ -9,7 +9,10 @@
 #include <QtCore/QTemporaryDir>
 
 #include "fuzz_input.h"
+#include "provision/bounded_values.h"
 #include "repair.h"
+#include "rewritten.h"
+#include "saved_form.h"
 #include "stored_value.h"
 
 using namespace vruinfo::tool;
@@ -17,7 +20,7 @@ using namespace vruinfo::tool;
 namespace
 {
 
-/// Nothing can be read by such a name.
+/// Nothing can be read by such a name. (Nor can a value that this program does not know, such as a colour.)
 bool hasEmptyPart(const QString& key)
 {
     return key.split(QLatin1Char('/')).contains(QString());
@@ -25,7 +28,7 @@ bool hasEmptyPart(const QString& key)
 
 struct Reading {
     QMap<QString, QVariant> values;
-    bool isWhole;
+    bool isWhole = false;
 };
 
 /// The fuzzer ends without destroying what is static: each directory goes at once.
@@ -35,21 +38,20 @@ Reading readingOf(const QByteArray& bytes)
     const QString file = directory.filePath(QStringLiteral("read.conf"));
     std::ofstream(file.toStdString(), std::ios::binary).write(bytes.constData(), bytes.size());
     const QSettings settings(file, QSettings::NativeFormat);
-    Reading reading;
+    Reading reading{};
+    if (!vruinfo::internal::canTakeValuesApart(settings))
+        return reading;
     for (const QString& key : settings.allKeys()) {
-        if (!hasEmptyPart(key))
+        if (!hasEmptyPart(key) && !isForeign(settings.value(key)))
             reading.values.insert(key, settings.value(key));
     }
     reading.isWhole = settings.status() == QSettings::NoError;
     return reading;
 }
 
-/// What the settings library makes of a value when it writes it and reads it again: a list of other texts, a text.
-bool isAsWritten(const QVariant& now, const QVariant& before)
+bool isKept(const QVariant& now, const QVariant& before)
 {
-    const bool isText = now.userType() == QMetaType::QString && before.userType() != QMetaType::QStringList;
-    return StoredValue::isSame(now, before) || now.toStringList() == before.toStringList() ||
-           (isText && now.toString() == before.toString());
+    return StoredValue::isSame(now, before) || StoredValue::isSame(now, vrtest::rewritten(before));
 }
 
 /// How many texts may have become shorter: those that were closed.
@@ -59,7 +61,7 @@ void checkValues(const Reading& before, const Reading& after, std::size_t closed
     for (auto value = before.values.cbegin(); value != before.values.cend(); ++value) {
         const auto now = after.values.constFind(value.key());
         VR_HOLDS(now != after.values.cend(), "a repair keeps every name");
-        different += isAsWritten(*now, *value) ? 0 : 1;
+        different += isKept(*now, *value) ? 0 : 1;
     }
     VR_HOLDS(different <= closed, "a repair changes no value but texts whose end was missing");
 }

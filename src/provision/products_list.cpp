@@ -14,6 +14,7 @@
 #include "VrUInfo/VornaConfig.h"
 #include "place/file_kind.h"
 #include "place/program_place.h"
+#include "provision/bounded_values.h"
 #include "provision/text_encoding.h"
 #include "text/wide_text.h"
 
@@ -125,6 +126,8 @@ bool VornaConfig::createProductsConfigReg()
         return true;
     const ProductEntry entry = entryOf(*this);
     QSettings settings(file, QSettings::NativeFormat);
+    if (!canTakeValuesApart(settings))
+        return true;
     keepEscapes(settings);
     if (addToNumbers(settings, entry.key))
         wrirteProductInfo(settings, entry.key, entry.displayName, entry.productCode, entry.languageName, entry.version);

@@ -23,6 +23,7 @@
 #include "config/icons.h"
 #include "config/identity_names.h"
 #include "place/user_settings.h"
+#include "provision/bounded_values.h"
 #include "provision/picture_values.h"
 #include "provision/text_encoding.h"
 #include "store/store_group.h"
@@ -141,18 +142,31 @@ bool hasForeignValues(const QString& path)
     return false;
 }
 
+/// Reads nothing, and leaves the file as it is.
+void setAside(std::unique_ptr<BackingSettings>& settings)
+{
+    const QString nothing = settings->fileName() + QStringLiteral("/nothing.conf");
+    settings = std::make_unique<BackingSettings>(nothing, QSettings::NativeFormat);
+    settings->keepFile();
+}
+
 /// A colour or a font reads as nothing, and would be written back so, while nobody here knows pictures. A picture ends
-/// the process that reads it without an application object: then it is not read, and the file stays as it is.
+/// the process that reads it without an application object, and so does a value that has no end in memory: then the file
+/// is not read, and stays as it is.
 void prepareForForeignValues(std::unique_ptr<BackingSettings>& settings)
 {
     const QString file = settings->fileName();
     if (!hasForeignValues(file))
         return;
-    if (arePicturesWelcome() || !hasPictureValues(file))
-        return loadIconLibrary();
-    if (arePicturesKnown())
-        settings = std::make_unique<BackingSettings>(file + QStringLiteral("/nothing.conf"), QSettings::NativeFormat);
-    settings->keepFile();
+    const bool arePicturesIn = !arePicturesWelcome() && hasPictureValues(file);
+    if (arePicturesIn && arePicturesKnown())
+        return setAside(settings);
+    if (arePicturesIn)
+        settings->keepFile();
+    else
+        loadIconLibrary();
+    if (!canTakeValuesApart(*settings))
+        setAside(settings);
 }
 
 bool mayBeWrittenBack(QSettings* settings)

@@ -172,6 +172,28 @@ TEST_F(Repaired, ANumberThatWasReadInTheWrongGroupStaysThereAsItIsWritten)
     EXPECT_EQ(values.value(QStringLiteral("T/b")), QVariant(5));
 }
 
+TEST_F(Repaired, AValueThatWasReadInTheWrongGroupStaysThereWhereTheGroupHasSeveralParts)
+{
+    repairOf("[S/t]\na=\"5$open\nb=1$5\n[U]\nc=\"5$x;y\"\nb=1$6\n", kDone);
+    const Values values = Reading::of(bytes()).values;
+    EXPECT_EQ(values.value(QStringLiteral("S/t/b")), QVariant(QStringLiteral("1$6")));
+    EXPECT_EQ(m_patient.stored("S/t/b"), QStringLiteral("1$6")); // not listed before
+    EXPECT_EQ(values.value(QStringLiteral("U/b")), QVariant(QStringLiteral("1$6")));
+}
+
+TEST_F(Repaired, ValuesThatWereReadInTheWrongGroupStayThereUnderOneName)
+{
+    repairOf("[S]\na=\"5$open\nb=1$5\nc=1$5\n[T]\nd=\"5$x;y\"\nb=1$6\nc=1$7\n", kDone);
+    EXPECT_NE(bytes().find("\n[S]\nb=1$6\nc=1$7\n"), std::string::npos) << bytes();
+}
+
+TEST_F(Repaired, AValueThatWasReadInAGroupNamedGeneralWithAnotherPartStaysThere)
+{
+    repairOf("[General\\t]\na=\"5$open\nb=1$5\n[U]\nc=\"5$x;y\"\nb=1$6\n", kDone);
+    EXPECT_EQ(m_patient.stored("General/t/b"), QStringLiteral("1$6"));
+    EXPECT_EQ(m_patient.stored("U/b"), QStringLiteral("1$6"));
+}
+
 TEST_F(Repaired, SettingsOfAnyFormBehindAnOpenValueOfAnotherKindComeBack)
 {
     const QJsonObject answer = repairOf("[S]\na=@Point(3\" 4)\nb=one, \"two; three\"\nc=1$5\n", kDone);
@@ -267,6 +289,23 @@ TEST_F(Repaired, AListWithAZeroInATextDoesNotStopIt)
     const std::string zero(1, '\0');
     repairOf("[S]\na\\\nb=\"5$q\nc=5$r\n" + zero + "\", 2\nd=5$x\\\ne=1$5\n", kWarnings);
     EXPECT_EQ(m_patient.stored("S/e"), QStringLiteral("1$5"));
+}
+
+TEST_F(Repaired, AValueThatAsksForAllTheMemoryGoesAndTheOthersComeBack)
+{
+    const QJsonObject answer = repairOf("[S]\na=1$5\nb=@Variant(\\0\\0\\0\\v2222)\nc=5$x\n", kWarnings);
+    EXPECT_EQ(linesIn(answer, "lost"), Lines{3});
+    EXPECT_EQ(bytes(), "[S]\na=1$5\n\nc=5$x\n");
+}
+
+TEST_F(Repaired, AnOpenTextThatAsksForAllTheMemoryWhenItIsClosedStaysTheTextThatWasRead)
+{
+    const QJsonObject answer =
+        repairOf("[S]\nb=\"@Variant(\\0\\0\\0\\v2222)\nc=1$5\n[T]\nd=5$x\n", kWarnings);
+    EXPECT_EQ(linesIn(answer, "lost"), Lines{2});
+    EXPECT_EQ(linesIn(answer, "broughtBack"), (Lines{3, 4, 5}));
+    EXPECT_EQ(bytes(), "[S]\n\nc=1$5\n[T]\nd=5$x\n\n"
+                       "[S]\nb=\"@String(@Variant(\\0\\0\\0\\v2222)\\nc=1$5\\n[T]\\nd=5$x\\n)\"\n");
 }
 
 TEST_F(Repaired, AByteOrderMarkAloneLeavesAnEmptyFile)

@@ -13,6 +13,8 @@
 #include <QtCore/QString>
 #include <QtCore/QVariant>
 
+#include "provision/bounded_values.h"
+
 namespace vrtest
 {
 
@@ -27,6 +29,7 @@ Colour=@Variant(\0\0\0\x43\x1\xff\xff\x12\x12\x34\x34VV\0\0)
 List=one, "two; three", 4
 Nothing=@Invalid()
 Place=@Point(3 4)
+Texts=@Variant(\0\0\0\v\0\0\0\x1\0\0\0\x2\0\x61)
 
 [Software]
 HALVIK\CurProduct=5$VORNA
@@ -112,11 +115,15 @@ using Values = std::map<QString, QVariant>;
 struct PlainReading {
     Values values;
     bool isWhole = false;
+    bool isBounded = false; ///< With a value that asks for all the memory there is nothing can be read.
 
     static PlainReading of(const std::filesystem::path& file)
     {
         const QSettings settings(QString::fromStdString(file), QSettings::NativeFormat);
         PlainReading reading;
+        reading.isBounded = vruinfo::internal::canTakeValuesApart(settings);
+        if (!reading.isBounded)
+            return reading;
         for (const QString& key : settings.allKeys()) {
             if (!key.split(QLatin1Char('/')).contains(QString()))
                 reading.values[key] = settings.value(key);

@@ -73,7 +73,8 @@ Exit runGuarded(int count, char** arguments, Printer& printer)
         printer.error(QStringLiteral("out of memory (status %1)").arg(status->status()));
         return Exit::Failed;
     } catch (const std::bad_alloc&) {
-        printer.error(QStringLiteral("out of memory; nothing was changed"));
+        printer.error(QStringLiteral("out of memory, or a damaged value asks for more than there is (see `vruinfo "
+                                     "doctor`); nothing was changed"));
         return Exit::Failed;
     }
 }

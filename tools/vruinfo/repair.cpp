@@ -7,6 +7,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QLockFile>
 #include <QtCore/QMap>
+#include <QtCore/QSet>
 #include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTemporaryFile>
@@ -16,6 +17,7 @@
 #include <unistd.h>
 
 #include "doctor/file_state.h"
+#include "provision/bounded_values.h"
 #include "saved_form.h"
 #include "stored_value.h"
 
@@ -34,6 +36,7 @@ constexpr int kMostNames = 100; // within one second
 struct Reading {
     QMap<QString, QVariant> values;
     bool isWhole = false;
+    bool isBounded = false; ///< No value asks for all the memory there is; with such a one nothing is read.
 };
 
 /// The settings library hands such a name out, but nothing can be read by it.
@@ -84,21 +87,39 @@ public:
         const Quiet quiet;
         const QSettings settings(file.fileName(), QSettings::NativeFormat);
         Reading reading;
+        reading.isBounded = vruinfo::internal::canTakeValuesApart(settings);
+        if (!reading.isBounded)
+            return reading;
         for (const QString& key : settings.allKeys())
             insert(reading, key, settings.value(key));
         reading.isWhole = settings.status() == QSettings::NoError;
         return reading;
     }
-    /// The values as the settings library writes them.
-    QByteArray write(const QMap<QString, QVariant>& values)
+    /// Whether a line has a value that keeps the whole file from being read.
+    bool isOfUse(const QByteArray& line)
+    {
+        if (!line.contains("@Variant("))
+            return true;
+        const auto alone = read(line);
+        return !alone || alone->isBounded;
+    }
+    /// A value as the settings library writes it: its group's line and its own.
+    QByteArray write(const QString& key, const QVariant& value)
     {
         QFile file(nextName());
-        {
-            QSettings settings(file.fileName(), QSettings::NativeFormat);
-            for (auto value = values.cbegin(); value != values.cend(); ++value)
-                settings.setValue(value.key(), *value);
-        }
+        QSettings(file.fileName(), QSettings::NativeFormat).setValue(key, value);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    /// The names that the settings library has for the groups of a file.
+    QSet<QString> groupsIn(const QByteArray& bytes)
+    {
+        const auto names = read(groupLines(bytes, "\na=1$0\n"));
+        QSet<QString> groups;
+        if (names) {
+            for (auto name = names->values.cbegin(); name != names->values.cend(); ++name)
+                groups.insert(name.key().section(QLatin1Char('/'), 0, -2));
+        }
+        return groups;
     }
 
 private:
@@ -117,35 +138,6 @@ Problem noWorkplace()
                               .arg(QDir::tempPath())};
 }
 
-bool isList(const QVariant& value)
-{
-    return value.userType() == QMetaType::QStringList || value.userType() == QMetaType::QVariantList;
-}
-
-bool isNumber(const QVariant& value)
-{
-    switch (value.userType()) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
-}
-
-/// The settings library writes some lists of texts as lists of values, and a number, which another program may have
-/// stored as such, as a text.
-bool isSame(const QVariant& now, const QVariant& before)
-{
-    return StoredValue::isSame(now, before) ||
-           (isList(now) && isList(before) && now.toStringList() == before.toStringList()) ||
-           (isNumber(before) && now.userType() == QMetaType::QString && now.toString() == before.toString());
-}
-
 /// Values that are in the first reading, and not so in the second; without those whose text was meant to change.
 QMap<QString, QVariant> missing(const Reading& before, const Reading& after, const Reading& closed)
 {
@@ -154,28 +146,73 @@ QMap<QString, QVariant> missing(const Reading& before, const Reading& after, con
         const auto now = after.values.constFind(value.key());
         const bool isThere = now != after.values.cend();
         const bool mayDiffer = isThere && closed.values.contains(value.key());
-        if (!mayDiffer && (!isThere || !isSame(*now, *value)))
+        if (!mayDiffer && (!isThere || !StoredValue::isSame(*now, *value)))
             values.insert(value.key(), *value);
     }
     return values;
 }
 
-/// Puts behind the lines what the settings library read between them before, and would not read now.
-std::optional<Problem> complete(Repair& repair, const QByteArray& damaged)
+/// What the settings library wrote for one value, with the first parts of the key's path in the group's name. It takes
+/// one part itself, and finds both; a group named "General" it marks where the name has nothing else.
+QByteArray inGroupOf(const QByteArray& written, int parts)
 {
-    Workplace workplace;
-    if (!workplace.isThere())
-        return noWorkplace();
-    const auto before = workplace.read(damaged);
+    const int groupEnd = written.indexOf("]\n");
+    QByteArray group = written.mid(1, groupEnd - 1);
+    QByteArray rest = written.mid(groupEnd + 2);
+    if (parts > 1 && group.compare("%general", Qt::CaseInsensitive) == 0)
+        group.remove(0, 1);
+    for (; parts > 1; --parts) {
+        const int separator = rest.indexOf('\\');
+        group += '\\' + rest.left(separator);
+        rest.remove(0, separator + 1);
+    }
+    return '[' + group + "]\n" + rest;
+}
+
+/// A value's lines for each group that may have it. Where a file has a group with several parts in its name it depends
+/// on the order of reads which group's value is found, unless they agree.
+QByteArray linesFor(const QString& key, const QByteArray& written, const QSet<QString>& groups)
+{
+    QByteArray lines = written;
+    const int parts = key.count(QLatin1Char('/'));
+    for (int part = 2; part <= parts; ++part) {
+        if (groups.contains(key.section(QLatin1Char('/'), 0, part - 1)))
+            lines += inGroupOf(written, part);
+    }
+    return lines;
+}
+
+/// Lines that begin with their group's, which is not told twice in a row. A line's end in a value is an escape there.
+void append(QByteArray& all, const QByteArray& lines)
+{
+    const QByteArray group = lines.left(lines.indexOf('\n') + 1);
+    const QByteArray last = all.mid(all.lastIndexOf("\n[") + 1);
+    all += last.startsWith(group) ? lines.mid(group.size()) : lines;
+}
+
+/// Puts behind the lines what the settings library read between them before, and would not read now: as the settings
+/// library has such a value once it has written it, which any program's next change does to all of them.
+std::optional<Problem> complete(Repair& repair, const QByteArray& damaged, Workplace& workplace)
+{
+    auto wanted = workplace.read(damaged);
     const auto closed = workplace.read(repair.lines.closedAlone);
     auto after = workplace.read(repair.lines.bytes);
-    if (!before || !closed || !after)
+    if (!wanted || !closed || !after)
         return noWorkplace();
-    if (const auto values = missing(*before, *after, *closed); !values.isEmpty()) {
-        repair.lines.bytes = endedText(repair.lines.bytes) + workplace.write(values);
+    if (const auto values = missing(*wanted, *after, *closed); !values.isEmpty()) {
+        const QSet<QString> groups = workplace.groupsIn(repair.lines.bytes);
+        QByteArray added;
+        for (auto value = values.cbegin(); value != values.cend(); ++value)
+            append(added, linesFor(value.key(), workplace.write(value.key(), *value), groups));
+        const auto rewritten = workplace.read(added);
+        repair.lines.bytes = endedText(repair.lines.bytes) + added;
         after = workplace.read(repair.lines.bytes);
+        if (!rewritten || !after)
+            return noWorkplace();
+        for (auto value = rewritten->values.cbegin(); value != rewritten->values.cend(); ++value)
+            wanted->values.insert(value.key(), *value);
     }
-    if (!after || !after->isWhole || !missing(*before, *after, *closed).isEmpty())
+    if (!after->isWhole || !missing(*wanted, *after, *closed).isEmpty())
         return Problem{Exit::Failed, QStringLiteral("the settings file cannot be repaired without losing what can be "
                                                     "read from it; nothing was changed; correct it in a text editor")};
     repair.values = after->values.size();
@@ -305,12 +342,15 @@ Result<Repair> repairedUnderLock(const QString& file, const QString& target)
 
 Result<Repair> repairBytes(const QByteArray& bytes)
 {
+    Workplace workplace;
+    if (!workplace.isThere())
+        return noWorkplace();
     Repair repair;
-    repair.lines = mendedLines(bytes);
+    repair.lines = mendedLines(bytes, [&](const QByteArray& line) { return workplace.isOfUse(line); });
     repair.isDamaged = repair.lines.isChanged();
     if (!repair.isDamaged)
         return repair;
-    const std::optional<Problem> problem = complete(repair, bytes);
+    const std::optional<Problem> problem = complete(repair, bytes, workplace);
     return problem ? Result<Repair>(*problem) : Result<Repair>(repair);
 }
 

@@ -90,7 +90,7 @@ QByteArray groupText(const QByteArray& text)
 class Mender final
 {
 public:
-    explicit Mender(const QByteArray& bytes) : m_bytes(bytes), m_scanner(bytes)
+    Mender(const QByteArray& bytes, const LineTest& isOfUse) : m_bytes(bytes), m_isOfUse(isOfUse), m_scanner(bytes)
     {
         m_mended.hadMark = hasMark(bytes);
         m_copiedTo = m_mended.hadMark ? kMarkLength : 0;
@@ -114,6 +114,8 @@ private:
             m_group = groupText(text);
         if (line.isDamaged())
             return line.isGroup ? close(line, line.end, m_group) : lose(line, line.end);
+        if (!m_isOfUse(text))
+            return lose(line, line.end);
         if (line.begin < m_swallowedTo)
             m_mended.broughtBack.push_back({line.number, text});
     }
@@ -130,7 +132,7 @@ private:
         }
         const QByteArray closed = closedText(text);
         const std::optional<SettingsLine> alone = LineScanner(closed).next();
-        if (!alone || alone->isDamaged())
+        if (!alone || alone->isDamaged() || !m_isOfUse(closed))
             return lose(line, end);
         m_mended.closedAlone += m_group + '\n' + closed + '\n';
         close(line, end, closed);
@@ -158,6 +160,7 @@ private:
     }
 
     const QByteArray m_bytes;
+    const LineTest& m_isOfUse;
     LineScanner m_scanner;
     MendedLines m_mended;
     QByteArray m_group = "[General]";
@@ -245,9 +248,9 @@ bool swallowsSettings(const QByteArray& bytes, const SettingsLine& line)
     return false;
 }
 
-MendedLines mendedLines(const QByteArray& bytes)
+MendedLines mendedLines(const QByteArray& bytes, const LineTest& isOfUse)
 {
-    return Mender(bytes).run();
+    return Mender(bytes, isOfUse).run();
 }
 
 QByteArray endedText(const QByteArray& bytes)
@@ -258,6 +261,17 @@ QByteArray endedText(const QByteArray& bytes)
         last = line;
     const bool isOpen = last && last->end == bytes.size();
     return (isOpen ? bytes.left(last->begin) + closedText(bytes.mid(last->begin)) : bytes) + '\n';
+}
+
+QByteArray groupLines(const QByteArray& bytes, const char* behindEach)
+{
+    QByteArray groups;
+    LineScanner scanner(bytes);
+    while (const std::optional<SettingsLine> line = scanner.next()) {
+        if (line->isGroup)
+            groups += groupText(bytes.mid(line->begin, line->end - line->begin)) + behindEach;
+    }
+    return groups;
 }
 
 } // namespace vruinfo::tool

@@ -1,6 +1,7 @@
 // A settings file line by line: as the settings library takes its lines, and as they stand.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -69,15 +70,21 @@ struct MendedLines {
     bool hadMark = false;   ///< A byte-order mark, which the settings library takes for a line, or a part of one.
     LineNotes closed;       ///< Groups and texts whose end was missing: they end with their line.
     LineNotes broughtBack;  ///< Had been taken for a part of another one.
-    LineNotes lost;         ///< Are no settings, and gone.
+    LineNotes lost;         ///< Are no settings, or of no use, and gone.
     QByteArray closedAlone; ///< The keys among those that were closed, in their groups, and nothing else.
 
     [[nodiscard]] bool isChanged() const { return hadMark || !closed.empty() || !broughtBack.empty() || !lost.empty(); }
 };
 
-[[nodiscard]] MendedLines mendedLines(const QByteArray& bytes);
+/// Whether a line alone is of use.
+using LineTest = std::function<bool(const QByteArray& line)>;
+
+[[nodiscard]] MendedLines mendedLines(const QByteArray& bytes, const LineTest& isOfUse);
 
 /// The file with its last line ended, so that what is put behind it is not taken for a part of that.
 [[nodiscard]] QByteArray endedText(const QByteArray& bytes);
+
+/// The lines that begin groups, each with something behind it.
+[[nodiscard]] QByteArray groupLines(const QByteArray& bytes, const char* behindEach);
 
 } // namespace vruinfo::tool

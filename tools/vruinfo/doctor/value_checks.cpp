@@ -41,7 +41,8 @@ Findings checkValues(const Patient& patient)
         return {};
     const Finding broken =
         error("settings.unreadable", file, QStringLiteral("Reading its values"),
-              QStringLiteral("Move it away and bring a backup back: mv %1 %1.old").arg(shellWord(file)));
+              QStringLiteral("`vruinfo doctor --repair` keeps a copy and brings back what can be read. Where that "
+                             "does not help, move it away and bring a backup back: mv %1 %1.old").arg(shellWord(file)));
     return checkIsolated([&file] { return faultsIn(QSettings(file, QSettings::NativeFormat)); }, broken);
 }
 
