@@ -5,9 +5,11 @@
 # OPTIMIZED it is compiled as its users compile: for code that stands in headers.
 include(GoogleTest)
 
-# A test is compiled for a run of a moment: what is optimised is the library that it tests.
+# A test is compiled for a run of a moment: what is optimised, and watched by the fuzzer, is the library that it tests.
 function(vr_compile_quickly target)
-    if(NOT VRUINFO_SANITIZE)
+    if(VRUINFO_SANITIZE MATCHES "fuzzer-no-link")
+        target_compile_options(${target} PRIVATE -fno-sanitize=fuzzer-no-link)
+    elseif(NOT VRUINFO_SANITIZE)
         target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O0;-g1;-U_FORTIFY_SOURCE>)
     endif()
 endfunction()

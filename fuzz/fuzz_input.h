@@ -88,7 +88,7 @@ inline std::wstring terminated(const std::wstring& text)
 
 } // namespace vrfuzz
 
-/// What a target does with one input; the fuzzer and the replay both call it.
+/// What a target does with one input; the fuzzer calls it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 /// Called once, before the first input.
 extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments);

@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "sanitizers.h"
+
 namespace fs = std::filesystem;
 
 namespace clitest
@@ -170,6 +172,10 @@ void appendToFile(const fs::path& file, const std::string& bytes)
 
 void expectShape(const std::string& command, const std::string& json)
 {
+    // The same answers are looked at in the build without a sanitizer; with one that would take as long as all the rest.
+    EXPECT_FALSE(QJsonDocument::fromJson(QByteArray::fromStdString(json)).isNull()) << command << ": " << json;
+    if (vrtest::kHasSanitizerAllocator)
+        return;
     const QTemporaryDir directory;
     const fs::path answer = directory.path().toStdString() + "/answer.json";
     std::ofstream(answer, std::ios::binary) << json;

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <sstream>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -11,6 +12,8 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "sanitizers.h"
 
 extern char** environ; // NOLINT(readability-redundant-declaration)
 
@@ -110,6 +113,18 @@ bool drain(const Pipe& out, const Pipe& err, ProcessResult& result, Clock::time_
     return true;
 }
 
+/// A sanitizer tells on standard error of each request for more memory than there is; the program itself does not.
+std::string withoutRefusals(const std::string& words)
+{
+    std::string own;
+    std::istringstream lines(words);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find("Sanitizer failed to allocate") == std::string::npos)
+            own += line + (lines.eof() ? "" : "\n");
+    }
+    return own;
+}
+
 } // namespace
 
 ProcessResult runProcess(const std::vector<std::string>& command, const Environment& environment,
@@ -136,6 +151,8 @@ ProcessResult runProcess(const std::vector<std::string>& command, const Environm
     waitpid(child, &status, 0);
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    if (kHasSanitizerAllocator)
+        result.err = withoutRefusals(result.err);
     return result;
 }
 

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "process.h"
+#include "sanitizers.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 // The sanitizers' own count of allocated bytes, in their interface since long but not in every compiler's headers.
@@ -23,18 +24,6 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 
 namespace vrtest
 {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool kHasSanitizerAllocator = true;
-#else
-inline constexpr bool kHasSanitizerAllocator = false;
-#endif
-
-#if defined(__SANITIZE_THREAD__)
-inline constexpr bool kIsThreadSanitized = true;
-#else
-inline constexpr bool kIsThreadSanitized = false;
-#endif
 
 /// Bytes that a process with scarce memory cannot have in one piece.
 inline constexpr std::size_t kTooMuch = std::size_t{256} << 20U;
