@@ -151,8 +151,8 @@ void setAside(std::unique_ptr<BackingSettings>& settings)
 }
 
 /// A colour or a font reads as nothing, and would be written back so, while nobody here knows pictures. A picture ends
-/// the process that reads it without an application object, and so does a value that has no end in memory: then the file
-/// is not read, and stays as it is.
+/// the process that reads it without an application object, and so does a value that has no end in memory: then the
+/// file is not read, and stays as it is.
 void prepareForForeignValues(std::unique_ptr<BackingSettings>& settings)
 {
     const QString file = settings->fileName();

@@ -300,8 +300,7 @@ TEST_F(Repaired, AValueThatAsksForAllTheMemoryGoesAndTheOthersComeBack)
 
 TEST_F(Repaired, AnOpenTextThatAsksForAllTheMemoryWhenItIsClosedStaysTheTextThatWasRead)
 {
-    const QJsonObject answer =
-        repairOf("[S]\nb=\"@Variant(\\0\\0\\0\\v2222)\nc=1$5\n[T]\nd=5$x\n", kWarnings);
+    const QJsonObject answer = repairOf("[S]\nb=\"@Variant(\\0\\0\\0\\v2222)\nc=1$5\n[T]\nd=5$x\n", kWarnings);
     EXPECT_EQ(linesIn(answer, "lost"), Lines{2});
     EXPECT_EQ(linesIn(answer, "broughtBack"), (Lines{3, 4, 5}));
     EXPECT_EQ(bytes(), "[S]\n\nc=1$5\n[T]\nd=5$x\n\n"

@@ -36,6 +36,14 @@ TEST(DoctorSettings, InPlaceOfWhichSomethingElseStandsIsAnError)
     patient.expectFound("settings.dangling-link", {"error", "/VORNA.conf", "is a link to nothing"});
 }
 
+TEST(DoctorSettings, WithAValueThatAsksForAllTheMemoryAreAnError)
+{
+    Patient patient;
+    patient.settings("[General]\na=@Variant(\\0\\0\\0\\v2222)\n");
+    patient.look(kErrors);
+    patient.expectFound("settings.endless-value", {"error", "/VORNA.conf", "more memory than there is"});
+}
+
 TEST(DoctorSettings, ThatCannotBeReadAreAnError)
 {
     Patient patient;

@@ -69,6 +69,21 @@ TEST_F(ReadOnlySettings, ThatCannotEvenBeReadAreNoAbsentValues)
     fs::permissions(m_installation.settingsFile(), fs::perms(0444));
 }
 
+TEST(SettingsFile, WithAValueThatAsksForAllTheMemoryIsToldToBeLeftAlone)
+{
+    const Installation installation;
+    EXPECT_EQ(installation.run({"set", "@settings/V", "1"}).exitCode, kDone);
+    appendToFile(installation.settingsFile(), "\n[Foreign]\nList=@Variant(\\0\\0\\0\\v2222)\n");
+    const std::string before = readFile(installation.settingsFile());
+    const std::string words = "the settings file " + installation.settingsFile().string() + " is left alone";
+    expectAnswer(installation.run({"get", "@settings/V"}), "1"); // of another group
+    expectError(installation.run({"get", "Foreign/List"}), kFailed, "a damaged value");
+    expectError(installation.run({"set", "@settings/V", "2"}), kFailed, words);
+    expectError(installation.run({"tree", "/"}), kFailed, "a damaged value");
+    EXPECT_EQ(installation.run({"identity"}).exitCode, kDone);
+    EXPECT_EQ(readFile(installation.settingsFile()), before);
+}
+
 TEST(SettingsFile, WithLinesThatAreNoSettingsIsWarnedAbout)
 {
     const Installation installation;

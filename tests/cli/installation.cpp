@@ -172,7 +172,8 @@ void appendToFile(const fs::path& file, const std::string& bytes)
 
 void expectShape(const std::string& command, const std::string& json)
 {
-    // The same answers are looked at in the build without a sanitizer; with one that would take as long as all the rest.
+    // The same answers are looked at in the build without a sanitizer; with one that would take as long as all the
+    // rest.
     EXPECT_FALSE(QJsonDocument::fromJson(QByteArray::fromStdString(json)).isNull()) << command << ": " << json;
     if (vrtest::kHasSanitizerAllocator)
         return;

@@ -73,8 +73,9 @@ Exit runGuarded(int count, char** arguments, Printer& printer)
         printer.error(QStringLiteral("out of memory (status %1)").arg(status->status()));
         return Exit::Failed;
     } catch (const std::bad_alloc&) {
-        printer.error(QStringLiteral("out of memory, or a damaged value asks for more than there is (see `vruinfo "
-                                     "doctor`); nothing was changed"));
+        printer.error(
+            QStringLiteral("out of memory; nothing was changed; `vruinfo doctor` says whether a damaged value "
+                           "asks for it"));
         return Exit::Failed;
     }
 }

@@ -20,7 +20,7 @@ struct Kind {
 };
 
 constexpr Kind kLost = {
-    "settings.line-lost", "It is no setting and is not in the repaired file: ",
+    "settings.line-lost", "It is no setting, or one that nobody can read, and is not in the repaired file: ",
     "If it was one, write it again with `vruinfo set`, or correct it in the damaged file that is kept, "
     "and put that back."};
 constexpr Kind kClosed = {"settings.line-closed", "Its end was missing; it ends with its line now: ",

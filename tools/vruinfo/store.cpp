@@ -58,8 +58,21 @@ QStringList namesIn(const Place& item)
     return names;
 }
 
+/// The library leaves some files alone, and reads from and writes to a place below them then, where nothing can be.
+std::optional<Problem> leftAlone()
+{
+    const QString file = QFileInfo(settingsFile()).path();
+    if (!QFileInfo::exists(file) || QFileInfo(file).isDir())
+        return std::nullopt;
+    return Problem{Exit::Failed, QStringLiteral("the settings file %1 is left alone, neither read nor written; "
+                                                "`vruinfo doctor` says why")
+                                     .arg(file)};
+}
+
 Problem notWritten()
 {
+    if (const std::optional<Problem> problem = leftAlone())
+        return *problem;
     return {Exit::Failed,
             QStringLiteral("the settings file %1 cannot be written, nothing was changed; make the file and its "
                            "directory writable for this user and see that the disk has room")
@@ -197,6 +210,8 @@ std::optional<Problem> saveChanges(Printer& printer)
 
 Problem absent(const Place& place, const QString& what)
 {
+    if (const std::optional<Problem> problem = leftAlone())
+        return *problem;
     if (g_globalSettings->status() == QSettings::AccessError)
         return {
             Exit::Failed,

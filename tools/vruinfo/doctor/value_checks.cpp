@@ -5,6 +5,8 @@
 #include "doctor/file_state.h"
 #include "doctor/isolated.h"
 #include "doctor/value_fault.h"
+#include "provision/bounded_values.h"
+#include "text.h"
 
 namespace vruinfo::tool::doctor
 {
@@ -16,6 +18,11 @@ constexpr int kMostOfAKind = 20;
 
 Findings faultsIn(const QSettings& settings)
 {
+    if (!vruinfo::internal::canTakeValuesApart(settings))
+        return {error("settings.endless-value", settings.fileName(),
+                      QStringLiteral("A damaged value asks for more memory than there is: nothing of the file is read, "
+                                     "and no change is kept."),
+                      text("`vruinfo doctor --repair` keeps a copy and brings back all the others."))};
     Findings findings;
     QMap<QString, int> counts;
     for (const QString& path : settings.allKeys()) {
@@ -41,8 +48,7 @@ Findings checkValues(const Patient& patient)
         return {};
     const Finding broken =
         error("settings.unreadable", file, QStringLiteral("Reading its values"),
-              QStringLiteral("`vruinfo doctor --repair` keeps a copy and brings back what can be read. Where that "
-                             "does not help, move it away and bring a backup back: mv %1 %1.old").arg(shellWord(file)));
+              QStringLiteral("Move it away and bring a backup back: mv %1 %1.old").arg(shellWord(file)));
     return checkIsolated([&file] { return faultsIn(QSettings(file, QSettings::NativeFormat)); }, broken);
 }
 
