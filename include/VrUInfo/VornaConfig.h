@@ -206,8 +206,8 @@ public:
     /// running program's directory, unless an entry of the same key, such as "VORNA_2026_Chs", is there: then nothing
     /// is written. A lock file found beside the list counts as left behind and is removed (nothing is listed where it
     /// cannot be, or where the list cannot be read in the memory there is). An entry's number is the count of entries
-    /// plus one, also when one was deleted from the middle. \return false when the directory cannot be made (only its
-    /// last level is); later failures are not seen
+    /// plus one, also when one was deleted from the middle.
+    /// \return false when the directory cannot be made (only its last level is); later failures are not seen
     bool createProductsConfigReg();
 
     /// \name Settings tree
