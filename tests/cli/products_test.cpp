@@ -138,6 +138,14 @@ TEST(Products, OfAListThatCannotBeReadAreAFailure)
                 "the products list " + listOf(installation).string() + " cannot be read");
 }
 
+TEST(Products, OfAListWithAValueThatAsksForAllTheMemoryAreAFailure)
+{
+    const Installation installation;
+    fs::create_directories(listOf(installation).parent_path());
+    appendToFile(listOf(installation), "[Foreign]\nList=@Variant(\\0\\0\\0\\v2222)\n[InstalledProducts]\n1=A\n");
+    expectError(installation.run({"products"}), kFailed, "take damaged values out");
+}
+
 TEST(Products, LeaveTheListAndALockBesideItAlone)
 {
     const Installation installation;

@@ -229,6 +229,21 @@ TEST(Watch, LeavesThingsAsTheyWereWhileTheFileCannotBeRead)
     EXPECT_EQ(watch.errors(), "");
 }
 
+TEST(Watch, LeavesThingsAsTheyWereWhileAValueAsksForAllTheMemory)
+{
+    const Installation installation;
+    installation.store("Demo/a", "5$x");
+    Watch watch(installation, {});
+    watch.waitUntilItWatches();
+    const auto whole = fs::file_size(installation.settingsFile());
+    appendToFile(installation.settingsFile(), "\n[Foreign]\nList=@Variant(\\0\\0\\0\\v2222)\n");
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(installation.run({"version"}).exitCode, kDone); // time goes by
+    fs::resize_file(installation.settingsFile(), whole);
+    appendToFile(installation.settingsFile(), "\n[Demo]\nb=5$y\n");
+    EXPECT_EQ(watch.change(), "+ Demo/b: string \"y\"");
+}
+
 TEST(Watch, EndsOnInterruptAndOnTermination)
 {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {

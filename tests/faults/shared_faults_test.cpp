@@ -1,5 +1,6 @@
 // Faults that are done alike to the settings file and to the list of installed products. What each test sees is the row
 // of its name in docs/faults.md.
+#include <fstream>
 #include <utility>
 
 #include <unistd.h>
@@ -74,6 +75,10 @@ const std::vector<Fault> kFaults{
     {"InAReadOnlyDirectory", Needs::Nothing, [](FaultyFile& file) { setMode(file.directory(), 0555); }},
     {"ThatIsReadOnly", Needs::Nothing, [](FaultyFile& file) { setMode(file.file(), 0444); }},
     {"ThatCannotBeRead", Needs::Nothing, [](FaultyFile& file) { setMode(file.file(), 0); }},
+    {"WithAValueThatAsksForAllTheMemory", Needs::Nothing,
+     [](FaultyFile& file) {
+         std::ofstream(file.file(), std::ios::app) << "\n[InstalledProducts]\n9=@Variant(\\0\\0\\0\\v2222)\n";
+     }},
     {"ReplacedByADirectory", Needs::Nothing, replaceByDirectory},
     {"ReplacedByALink", Needs::Nothing, moveBehindLink},
     {"ReplacedByALinkToNothing", Needs::Nothing,

@@ -98,7 +98,7 @@ Result<std::vector<ListedProduct>> readProductsList()
     if (!copy.isOpen())
         return Problem{Exit::Failed,
                        QStringLiteral("the products list %1 cannot be read, or not be copied to %2; make it readable "
-                                      "for this user and see that the disk has room")
+                                      "for this user, take damaged values out, and see that the disk has room")
                            .arg(file, QDir::tempPath())};
     std::vector<ListedProduct> products = numbered(copy.settings());
     for (ListedProduct& product : products)

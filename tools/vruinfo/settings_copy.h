@@ -18,6 +18,7 @@ class SettingsCopy final
 public:
     explicit SettingsCopy(const QString& file);
 
+    /// Not where the file cannot be read or copied, or has a value that asks for more memory than there is.
     [[nodiscard]] bool isOpen() const { return m_settings != nullptr; }
     /// Whether it has lines that are no settings; the others can be read.
     [[nodiscard]] bool isDamaged() const { return m_settings->status() == QSettings::FormatError; }
