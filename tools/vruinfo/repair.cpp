@@ -95,7 +95,7 @@ public:
         reading.isWhole = settings.status() == QSettings::NoError;
         return reading;
     }
-    /// Whether a line has a value that keeps the whole file from being read.
+    /// Not where a line has a value that keeps the whole file from being read.
     bool isOfUse(const QByteArray& line)
     {
         if (!line.contains("@Variant("))
