@@ -23,7 +23,7 @@ constexpr std::uint32_t kFree = 0;
 constexpr std::uint32_t kHeld = 1;
 constexpr std::uint32_t kSleepers = 2;
 constexpr std::uint32_t kHeir = 4;
-constexpr int kSpins = 10; // about as long as one read of a setting holds it
+constexpr int kSpins = 40; // some reads of a setting: going to sleep and being woken costs more than that
 constexpr std::chrono::milliseconds kPatience(1);
 
 static_assert(sizeof(Word) == sizeof(std::uint32_t), "the kernel waits on the word itself");
