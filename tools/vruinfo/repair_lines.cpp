@@ -1,6 +1,7 @@
 #include "repair_lines.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vruinfo::tool
 {
@@ -9,6 +10,8 @@ namespace
 
 constexpr char kMark[] = "\xEF\xBB\xBF";
 constexpr int kMarkLength = 3;
+constexpr char kLineEnds[] = "\r\n";
+constexpr char kTelling[] = "=]\"\\\r\n;"; // what says something about a line or ends it
 
 bool isBlank(char c)
 {
@@ -20,13 +23,21 @@ bool endsLine(char c)
     return c == '\n' || c == '\r';
 }
 
+/// Where the first of some characters stands, at a place or behind it; the end when there is none.
+int firstOf(const char* characters, const QByteArray& bytes, int place)
+{
+    for (; place < bytes.size(); ++place) {
+        place += static_cast<int>(std::strcspn(bytes.constData() + place, characters));
+        if (bytes.constData()[place] != '\0') // where the C library's search ends, and none of the characters
+            break;
+    }
+    return std::min(place, bytes.size());
+}
+
 /// Where a line's first end stands; the line's own end when it has none.
 int firstEnd(const QByteArray& bytes, const SettingsLine& line)
 {
-    int place = line.begin;
-    while (place < line.end && !endsLine(bytes.at(place)))
-        ++place;
-    return place;
+    return std::min(firstOf(kLineEnds, bytes, line.begin), line.end);
 }
 
 /// What stands behind the "=" of a line, without blanks and the quote in front.
@@ -178,7 +189,7 @@ std::optional<SettingsLine> LineScanner::next()
     if (isAtEnd())
         return std::nullopt;
     SettingsLine line{m_number, m_place, m_place, here() == '[', false, false};
-    for (bool isQuoted = false; !isAtEnd() && (isQuoted || !isLineEnd()); step()) {
+    for (bool isQuoted = false; goToNextTelling() && (isQuoted || !isLineEnd()); step()) {
         line.hasEquals = line.hasEquals || (here() == '=' && !isQuoted);
         line.hasBracket = line.hasBracket || here() == ']';
         if (here() == '"')
@@ -197,6 +208,13 @@ void LineScanner::continueAt(const SettingsLine& line, int place)
         step();
 }
 
+/// Passes over what says nothing about a line. False at the end.
+bool LineScanner::goToNextTelling()
+{
+    m_place = firstOf(kTelling, m_bytes, m_place);
+    return !isAtEnd();
+}
+
 void LineScanner::step()
 {
     m_number += here() == '\n' ? 1 : 0;
@@ -211,8 +229,8 @@ void LineScanner::passOverEscaped(SettingsLine& line)
         return;
     step();
     line.hasBracket = line.hasBracket || here() == ']';
-    const QByteArray pair = m_bytes.mid(m_place, 2);
-    if (pair == "\r\n" || pair == "\n\r")
+    const char next = m_place + 1 < m_bytes.size() ? m_bytes.at(m_place + 1) : '\0';
+    if (endsLine(here()) && endsLine(next) && here() != next)
         step();
 }
 
@@ -238,9 +256,7 @@ bool swallowsSettings(const QByteArray& bytes, const SettingsLine& line)
     const bool isText = !isOfOtherKind(valueText(bytes.mid(line.begin, place - line.begin)));
     const Certainty wanted = isText ? Certainty::Sure : Certainty::Likely;
     while (place < line.end) {
-        int end = ++place;
-        while (end < bytes.size() && !endsLine(bytes.at(end)))
-            ++end;
+        const int end = firstOf(kLineEnds, bytes, ++place);
         if (isSetting(bytes.mid(place, end - place), wanted))
             return true;
         place = end;

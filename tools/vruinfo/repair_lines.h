@@ -40,6 +40,7 @@ private:
     [[nodiscard]] bool isAtEnd() const { return m_place >= m_bytes.size(); }
     [[nodiscard]] char here() const { return m_bytes.at(m_place); }
     [[nodiscard]] bool isLineEnd() const { return here() == '\n' || here() == '\r' || here() == ';'; }
+    [[nodiscard]] bool goToNextTelling();
     void step();
     void passOverEscaped(SettingsLine& line);
     void passOverBlanksAndComments();
