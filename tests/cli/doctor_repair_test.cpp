@@ -277,6 +277,19 @@ TEST_F(Repaired, ATextThatIsStillOpenAtTheEndDoesNotSwallowWhatIsPutBehindIt)
     EXPECT_EQ(m_patient.stored("S/x"), QStringLiteral("1$1"));
 }
 
+TEST_F(Repaired, ACarriageReturnBehindABackslashAtTheEndDoesNotSwallowWhatIsPutBehindIt)
+{
+    // One line, as the settings library has it. For the eye the second begins a setting, so that the first is lost, and
+    // its value comes behind the end.
+    const std::string damaged = "k\\\r=@v\\\r";
+    const Reading before = Reading::of(damaged);
+    ASSERT_EQ(before.values.keys(), QStringList{QStringLiteral("k/\r")});
+    const QJsonObject answer = repairOf(damaged, kWarnings);
+    EXPECT_EQ(linesIn(answer, "lost"), Lines{1});
+    EXPECT_EQ(Reading::of(bytes()).values.value(QStringLiteral("k/\r")).toString(), QStringLiteral("@v"));
+    EXPECT_FALSE(repair(kDone).value(QStringLiteral("damaged")).toBool(true));
+}
+
 TEST_F(Repaired, NamesThatNothingReadsDoNotStopIt)
 {
     const QJsonObject answer = repairOf("=5$nameless\n[S]\n/=5$x\na\\\\b=5$y\nno sign\nc=5$z\n", kWarnings);

@@ -276,7 +276,9 @@ QByteArray endedText(const QByteArray& bytes)
     while (const std::optional<SettingsLine> line = scanner.next())
         last = line;
     const bool isOpen = last && last->end == bytes.size();
-    return (isOpen ? bytes.left(last->begin) + closedText(bytes.mid(last->begin)) : bytes) + '\n';
+    const QByteArray closed = isOpen ? bytes.left(last->begin) + closedText(bytes.mid(last->begin)) : bytes;
+    // A backslash before "\r" would cover "\n" behind it as well.
+    return closed + (closed.endsWith('\r') ? '\r' : '\n');
 }
 
 QByteArray groupLines(const QByteArray& bytes, const char* behindEach)
